@@ -1,0 +1,61 @@
+// The entry point: one copy per user, the main window behind a splash.
+#include <QGuiApplication>
+#include <QPixmap>
+#include <QScreen>
+#include <QSplashScreen>
+
+#include "app/orvixlogging.h"
+#include "app/orvixsingleapplication.h"
+#include "app/startupgeometry.h"
+#include "app/storagefolders.h"
+#include "mainwindow/mainwindow.h"
+#include "tasks/orvixtaskscheduler.h"
+
+namespace {
+// Every copy uses the same id, so any second start finds the first.
+const QString singleInstanceId = QStringLiteral("E5FA4F21-EC4F-4683-92D7-A8B42E07E133");
+
+// Ends the scheduler thread before the window and the application go, so
+// that no watchdog run meets a half-destroyed process.
+struct SchedulerShutdown
+{
+    ~SchedulerShutdown() { OrvixTaskScheduler::instance()->shutdown(); }
+};
+}
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication::setOrganizationName(QStringLiteral("Kelvane"));
+    QCoreApplication::setOrganizationDomain(QStringLiteral("kelvane.com"));
+    QCoreApplication::setApplicationName(QStringLiteral("Orvix"));
+
+    OrvixSingleApplication app(singleInstanceId, argc, argv);
+    if (app.sendMessage(QStringLiteral("Wake up!"), 5000))
+        return 0;
+
+    MainWindow window;
+    SchedulerShutdown schedulerShutdown;
+    QPixmap pixmap(QStringLiteral(":/res/brand.png"));
+    QSplashScreen splash(pixmap);
+
+    const QRect screen = QGuiApplication::primaryScreen()->geometry();
+    qCDebug(lcApp) << screen;
+    qCDebug(lcApp) << window.geometry();
+    const QPoint position = StartupGeometry::windowPosition(screen.size(), window.size());
+    window.move(position);
+    splash.move(StartupGeometry::splashPosition(position));
+
+    splash.show();
+    app.processEvents();
+
+    if (!StorageFolders::initialize())
+        return 0;
+
+    app.setActivationWindow(&window, true);
+    window.show();
+    splash.finish(&window);
+    const int exitCode = app.exec();
+    // A start from now on must become a new first copy, not wake this one.
+    app.releaseInstance();
+    return exitCode;
+}

@@ -1,0 +1,11 @@
+// Logging categories, one per subsystem folder.
+#pragma once
+
+#include <QLoggingCategory>
+
+Q_DECLARE_LOGGING_CATEGORY(lcApp)
+Q_DECLARE_LOGGING_CATEGORY(lcCapture)
+Q_DECLARE_LOGGING_CATEGORY(lcRecording)
+Q_DECLARE_LOGGING_CATEGORY(lcTasks)
+Q_DECLARE_LOGGING_CATEGORY(lcStorage)
+Q_DECLARE_LOGGING_CATEGORY(lcUi)

@@ -1,0 +1,15 @@
+// The keys of the settings store and their defaults.
+#pragma once
+
+#include <QString>
+
+namespace SettingsKeys {
+inline const QString micVolume = QStringLiteral("controlPanel/micVolume");
+inline const QString micMuted = QStringLiteral("controlPanel/micMuted");
+inline const QString doctorName = QStringLiteral("informationPanel/doctorName");
+inline const QString hospitalName = QStringLiteral("informationPanel/hospitalName");
+inline const QString storageLocation = QStringLiteral("filePreviewPanel/storageLocation");
+inline const QString sizeLimit = QStringLiteral("runTime/sizeLimit");
+
+constexpr int defaultMicVolume = 70;
+} // namespace SettingsKeys

@@ -1,0 +1,148 @@
+// MainWindow: construction in its fixed order, teardown, window-state changes.
+#include "mainwindow.h"
+
+#include <QAction>
+#include <QAudioInput>
+#include <QAudioSink>
+#include <QAudioSource>
+#include <QCamera>
+#include <QDate>
+#include <QDateTime>
+#include <QEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSettings>
+#include <QSlider>
+#include <QStackedWidget>
+#include <QStandardItemModel>
+#include <QWindowStateChangeEvent>
+
+#include "app/orvixlogging.h"
+#include "app/settingskeys.h"
+#include "app/storagefolders.h"
+#include "capture/audioinfo.h"
+#include "capture/devicerecognition.h"
+#include "capture/orvixdevicewatchdogtask.h"
+#include "tasks/orvixtaskscheduler.h"
+#include "widgets/animationlabel.h"
+#include "widgets/orvixvideowidget.h"
+#include "widgets/waitingforcamerawidget.h"
+
+MainWindow::MainWindow(QWidget *parent)
+    : QMainWindow(parent)
+{
+    setWindowIcon(QIcon(QStringLiteral(":/res/orvix.png")));
+
+    setupCentralLayout();
+
+    createResolutionAndRotationActions();
+    createActions();
+    createMenus();
+
+    readSettings();
+
+    discoverAvailableCameras();
+    if (!availableCameras.isEmpty()) {
+        setCamera(availableCameras.first());
+    } else {
+        showWaitingPage();
+        videoWidget->update();
+        setupInvaildUIState();
+    }
+
+    startDeviceWatchDog();
+
+    focusHintTimer.setSingleShot(true);
+    connect(&focusHintTimer, SIGNAL(timeout()), this, SLOT(hideFocusRect()));
+}
+
+MainWindow::~MainWindow()
+{
+    delete recorder;
+    recorder = nullptr;
+    delete imageCapture;
+    imageCapture = nullptr;
+    delete camera;
+    camera = nullptr;
+    delete audioInput;
+    audioInput = nullptr;
+
+    delete audioInfo;
+    audioInfo = nullptr;
+    delete audioSource;
+    audioSource = nullptr;
+    delete audioSink;
+    audioSink = nullptr;
+    // The watchdog belongs to the scheduler.
+}
+
+void MainWindow::readSettings()
+{
+    {
+        const QSettings settings;
+        const int volume = settings.value(SettingsKeys::micVolume, SettingsKeys::defaultMicVolume).toInt();
+        const bool muted = settings.value(SettingsKeys::micMuted, false).toBool();
+        volumeSlider->setValue(volume);
+        muteButton->setChecked(muted);
+        if (muted) {
+            volumeSlider->setEnabled(false);
+            levelMeterLabel->hide();
+        }
+
+        static_cast<QLineEdit *>(informationFields[2])->setText(settings.value(SettingsKeys::doctorName).toString());
+        static_cast<QLineEdit *>(informationFields[4])->setText(settings.value(SettingsKeys::hospitalName).toString());
+
+        const QString storageLocation = settings.value(SettingsKeys::storageLocation).toString();
+        storageLocationEdit->setText(storageLocation);
+        storageFreeSpaceLabel->setText(StorageFolders::freeSpaceText(storageLocation));
+
+        // The stored count of gigabytes goes in as it is; checking its entry
+        // then replaces it with the entry's byte limit.
+        const int storedLimit = settings.value(SettingsKeys::sizeLimit, QStringLiteral("0")).toInt();
+        sizeLimit = storedLimit;
+        checkSizeLimitEntryAtStart(storedLimit);
+
+        setStorageBrowserRoot(storageLocation);
+    }
+    static_cast<QLineEdit *>(informationFields[0])->setText(QDate::currentDate().toString(QStringLiteral("yyyy-MM-dd")));
+    // The live values start as the panel shows them now.
+    for (int i = 0; i < 5; ++i)
+        liveInformation[i] = informationText(i + 1);
+
+    fillRecognisedDevices();
+}
+
+void MainWindow::fillRecognisedDevices()
+{
+    recognisedNames = DeviceRecognition::recognisedNames();
+    recognisedIds = DeviceRecognition::recognisedIds();
+}
+
+void MainWindow::startDeviceWatchDog()
+{
+    watchDog = new OrvixDeviceWatchDogTask(3, QDateTime::currentDateTime(), nullptr);
+    connect(watchDog, SIGNAL(connected( QList<QCameraInfo> )), this, SLOT(cameraConnected( QList<QCameraInfo> )));
+    connect(watchDog, SIGNAL(dropped( QList<QCameraInfo> )), this, SLOT(cameraDropped( QList<QCameraInfo> )));
+
+    OrvixTaskScheduler *scheduler = OrvixTaskScheduler::instance();
+    scheduler->schedule(watchDog, watchDog->name());
+    scheduler->start(QThread::InheritPriority);
+}
+
+void MainWindow::changeEvent(QEvent *event)
+{
+    qCDebug(lcUi) << "changeevent happened" << event->type();
+    if (event->type() == QEvent::WindowStateChange) {
+        const auto oldState = static_cast<QWindowStateChangeEvent *>(event)->oldState();
+        qCDebug(lcUi) << "WindowState" << oldState << windowState();
+        if (oldState == Qt::WindowFullScreen) {
+            fullScreen = false;
+            setFullScreenActions(false, true);
+        } else if (windowState() == Qt::WindowFullScreen) {
+            fullScreen = true;
+            setFullScreenActions(true, true);
+        }
+    }
+    QMainWindow::changeEvent(event);
+}

@@ -1,0 +1,320 @@
+// The main window: owner of the capture pipeline, the panels, the actions and
+// the device watchdog. Its definition is split by concern, one file each.
+#pragma once
+
+#include <array>
+#include <memory>
+
+#include <QAudioDevice>
+#include <QAudioFormat>
+#include <QCameraDevice>
+#include <QCameraFormat>
+#include <QImageCapture>
+#include <QList>
+#include <QMainWindow>
+#include <QMediaCaptureSession>
+#include <QMediaRecorder>
+#include <QModelIndex>
+#include <QStringList>
+#include <QTimer>
+#include <QVideoFrame>
+#include <QVideoSink>
+
+#include "widgets/framefilters.h"
+#include "widgets/orvixframerenderer.h"
+
+class QAction;
+class QAudioInput;
+class QAudioSink;
+class QAudioSource;
+class QCamera;
+class QFrame;
+class QHBoxLayout;
+class QIODevice;
+class QLabel;
+class QLineEdit;
+class QListView;
+class QMenu;
+class QMenuBar;
+class QPainter;
+class QPushButton;
+class QSlider;
+class QSplitter;
+class QStackedWidget;
+class QStandardItemModel;
+class QVBoxLayout;
+
+class AnimationLabel;
+class AudioInfo;
+class OrvixDeviceWatchDogTask;
+class OrvixFileSplitTask;
+class OrvixVideoWidget;
+class WaitingForCameraWidget;
+
+class MainWindow : public QMainWindow, public OrvixFrameRenderer
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(MainWindow)
+
+public:
+    explicit MainWindow(QWidget *parent = nullptr);
+    ~MainWindow() override;
+
+    // The frame renderer; the live video widget calls it from its paint event.
+    void renderFrame(QPainter &painter) override;
+
+    // Read-only views for the panels' owners and for tests.
+    bool isCameraLive() const { return cameraLive; }
+    bool isFullScreenFlagSet() const { return fullScreen; }
+    qint64 currentSizeLimit() const { return sizeLimit; }
+    int currentResolutionIndex() const { return resolutionIndex; }
+    int currentRotationMode() const { return rotationMode; }
+    const QList<QCameraFormat> &formatsOnOffer() const { return cameraFormats; }
+    const QList<QCameraDevice> &usableCameras() const { return availableCameras; }
+    QCameraDevice runningCameraDevice() const { return startedCameraDevice; }
+    QAudioDevice chosenMicrophoneDevice() const { return chosenMicrophone; }
+    QCamera *currentCamera() const { return camera; }
+    QAudioInput *currentAudioInput() const { return audioInput; }
+    QMediaRecorder *currentRecorder() const { return recorder; }
+    const PictureAdjustments &pictureAdjustments() const { return adjustments; }
+    QList<QAction *> resolutionActionList() const { return resolutionActions; }
+    QList<QAction *> rotationActionList() const { return rotationActions; }
+    std::array<QAction *, 7> sizeActionList() const { return sizeActions; }
+    AnimationLabel *levelMeter() const { return levelMeterLabel; }
+
+signals:
+    void setSliderValue(int);
+
+public slots:
+    // mainwindow_capture.cpp
+    void cameraDropped(QList<QCameraDevice> droppedCameras);
+    void cameraConnected(QList<QCameraDevice> connectedCameras);
+    void setCamera(QCameraDevice cameraInfo);
+    void handleVideoFrame(QVideoFrame videoframe);
+    void updateAudioOutVolum(float volume);
+    void volumeChanged(int level);
+    void muteChanged(bool muted);
+    void audioVolumChange(double level);
+
+    // mainwindow_states.cpp
+    void setupInvaildUIState();
+    void setupIdleUIState();
+    void setupRecordingUIState();
+    void setupMediaUIState();
+    void liveSetup();
+
+    // mainwindow_menus.cpp
+    void resolutionTo1st();
+    void resolutionTo2nd();
+    void resolutionTo3rd();
+    void resolutionTo4th();
+    void rotationNone();
+    void rotation180Degree();
+    void rotationMirror();
+    void rotation180DegreeWithMirror();
+    void toggleFullScreenMode(bool on);
+
+    // mainwindow_recording.cpp
+    void captureVideo();
+    void pauseCaptureVideo();
+    void splitVideoFile();
+    void updateRecorderState(QMediaRecorder::RecorderState state);
+    void updateRecordTime(qlonglong duration);
+    void recorderError(QMediaRecorder::Error error);
+    void hideFocusRect();
+    void limitSizeTo1GB();
+    void limitSizeTo2GB();
+    void limitSizeTo3GB();
+    void limitSizeTo4GB();
+    void limitSizeTo5GB();
+    void limitSizeTo10GB();
+    void limitSizeToNoLimit();
+
+    // mainwindow_snapshot.cpp
+    void captureStillImage();
+    void readyForCapture(bool ready);
+    void capturedImage(int id, QImage preview);
+    void imageSaved(int id, QString fileName);
+    void captureError(int id, QImageCapture::Error error, QString errorString);
+
+    // mainwindow_information.cpp
+    void selectionChanged(QModelIndex index);
+    void toggleInformationEdit();
+    void rollbackInformation();
+
+    // mainwindow_storage.cpp
+    void removeSelectedFile();
+    void updateStorageRoot();
+    void openMoviesFolder();
+    void openImagesFolder();
+
+    // mainwindow_dialogs.cpp
+    void videoSettings();
+    void showColorDialog();
+    void help();
+    void version();
+    void setBrightness(int value);
+    void setContrast(int value);
+    void setHue(int value);
+    void setStaturation(int value);
+    void setWhiteBal(int value);
+    void setGamma(int value);
+    void setBacklight(int value);
+    void setGain(int value);
+    void setColorEnabel(int value);
+    void setSharpness(int value);
+    void setExposure(int value);
+
+protected:
+    void changeEvent(QEvent *event) override;
+
+private:
+    // mainwindow.cpp: construction steps that other files fill
+    void readSettings();
+    void fillRecognisedDevices();
+    void startDeviceWatchDog();
+
+    // mainwindow_panels.cpp
+    void setupCentralLayout();
+    void setupMainFrame();
+    void setupControlPanel();
+    void setupVolumeFrame();
+    void setupMiscFrame();
+    void setupInformationPanel();
+    void setupFilePreviewPanel();
+
+    // mainwindow_menus.cpp
+    void createResolutionAndRotationActions();
+    void createActions();
+    void createMenus();
+    void applyResolution(int index);
+    void applyRotation(int mode);
+    void setFullScreenActions(bool checked, bool enabled);
+
+    // mainwindow_capture.cpp
+    void discoverAvailableCameras();
+    void chooseCameraFormat();
+    void fillResolutionMenu();
+    void setupLevelMeter();
+    void readMicrophoneLevel();
+    void deletePipeline();
+    void showWaitingPage();
+
+    // mainwindow_recording.cpp
+    void applySizeLimitEntry(int entry);
+    void restoreSizeLimitEntry();
+    void checkSizeLimitEntryAtStart(int storedValue);
+    void abortFileSplitTask();
+
+    // mainwindow_information.cpp
+    void refillLiveInformation();
+    void stopMediaPlayer();
+    QString informationText(int field) const;
+    void setInformationText(int field, const QString &text);
+
+    // mainwindow_storage.cpp
+    void setStorageBrowserRoot(const QString &root);
+
+    // Capture pipeline; the by-value members in the order they are made.
+    QVideoSink videoSink;
+    QAudioDevice audioOutputDevice;
+    QVideoFrame currentFrame;
+    QStringList recognisedNames;
+    QStringList recognisedIds;
+    QList<QCameraDevice> availableCameras;
+    QMediaCaptureSession captureSession;
+    QList<QCameraFormat> cameraFormats;
+    QList<QSize> resolutions;
+    std::array<QString, 5> liveInformation; // file name, doctor, patient, hospital, comment
+    QString currentMoviePath;
+    QCameraDevice startedCameraDevice;
+    QTimer focusHintTimer;
+    QCameraDevice currentCameraDevice;
+    QAudioDevice chosenMicrophone;
+
+    // Made per camera, without a parent, deleted here.
+    QCamera *camera = nullptr;
+    QMediaRecorder *recorder = nullptr;
+    QImageCapture *imageCapture = nullptr;
+    QAudioInput *audioInput = nullptr;
+    AudioInfo *audioInfo = nullptr;
+    QAudioSource *audioSource = nullptr;
+    QAudioSink *audioSink = nullptr;
+    QIODevice *audioSourceDevice = nullptr;
+
+    OrvixDeviceWatchDogTask *watchDog = nullptr;
+    OrvixFileSplitTask *fileSplitTask = nullptr;
+
+    // Settings mirrors and state.
+    qint64 sizeLimit = 0;
+    float formatFrameRate = 30.0f;
+    int resolutionIndex = 0;
+    int rotationMode = 0;
+    PictureAdjustments adjustments;
+    bool cameraLive = false;
+    bool liveInformationShown = true;
+    bool fullScreen = false;
+    bool splitPending = false;
+    bool imageCapturePending = false;
+    int recordHours = 0, recordMinutes = 0, recordSeconds = 0;
+    int offsetHours = 0, offsetMinutes = 0, offsetSeconds = 0;
+
+    // Panels, owned through their Qt parents.
+    QSplitter *centralSplitter = nullptr;
+    QWidget *mainFrameWidget = nullptr;
+    QVBoxLayout *mainFrameLayout = nullptr;
+    QFrame *playersFrame = nullptr;
+    QStackedWidget *stackedPlayers = nullptr;
+    WaitingForCameraWidget *waitingWidget = nullptr;
+    OrvixVideoWidget *videoWidget = nullptr;
+    std::unique_ptr<QFrame> viewfinderFrame; // left parentless on purpose
+    QWidget *imageViewWidget = nullptr;
+    QWidget *mediaPlayerWidget = nullptr;
+    QPushButton *recordTimeBadge = nullptr;
+    QFrame *controlPanelFrame = nullptr;
+    QPushButton *resolutionButton = nullptr;
+    QPushButton *rotationButton = nullptr;
+    QPushButton *imageCaptureButton = nullptr;
+    QPushButton *videoCaptureButton = nullptr;
+    AnimationLabel *recordingAnimationLabel = nullptr;
+    QFrame *volumeFrame = nullptr;
+    QSlider *volumeSlider = nullptr;
+    QPushButton *muteButton = nullptr;
+    AnimationLabel *levelMeterLabel = nullptr;
+    QPushButton *liveButton = nullptr;
+    QWidget *miscFrameWidget = nullptr;
+    QWidget *informationFrameWidget = nullptr;
+    QWidget *filePreviewFrameWidget = nullptr;
+    QPushButton *informationEditButton = nullptr;
+    QPushButton *informationRefreshButton = nullptr;
+    // Date, File Name, Doctor Name, Patient Name, Hospital Name, Comment.
+    std::array<QWidget *, 6> informationFields {};
+    QLabel *storageFreeSpaceLabel = nullptr;
+    QLineEdit *storageLocationEdit = nullptr;
+    QListView *thumbnailView = nullptr;
+    QStandardItemModel *storageModel = nullptr;
+    QPushButton *movieFolderButton = nullptr;
+    QPushButton *imageFolderButton = nullptr;
+    QPushButton *removeFileButton = nullptr;
+    QPushButton *storageBrowseButton = nullptr;
+
+    // Actions and menus.
+    QList<QAction *> resolutionActions; // 1920 x 1080, 1280 x 720, 640 x 480, 640 x 630
+    QList<QAction *> rotationActions;   // 0, 180º, Mirror, 180º Mirror
+    QAction *startAction = nullptr;
+    QAction *stopAction = nullptr;
+    QAction *pauseAction = nullptr;
+    QAction *liveAction = nullptr;
+    std::array<QAction *, 7> sizeActions {}; // 1, 2, 3, 4, 5, 10 GB, no limit
+    QAction *snapShotAction = nullptr;
+    QAction *fullScreenAction = nullptr;
+    QAction *fullScreenWindowAction = nullptr;
+    QAction *recordDeviceAction = nullptr;
+    QAction *videoQualityAction = nullptr;
+    QAction *storagePathAction = nullptr;
+    QAction *helpAction = nullptr;
+    QAction *versionAction = nullptr;
+    QMenuBar *mainMenuBar = nullptr;
+    QMenu *rotationMenu = nullptr;
+    QMenu *resolutionMenu = nullptr;
+};

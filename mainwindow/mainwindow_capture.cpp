@@ -1,0 +1,313 @@
+// MainWindow: cameras and microphones, the capture session, the live frame
+// renderer, microphone volume, mute and level meter.
+#include "mainwindow.h"
+
+#include <QAction>
+#include <QAudioInput>
+#include <QAudioSink>
+#include <QAudioSource>
+#include <QCamera>
+#include <QMediaDevices>
+#include <QMediaFormat>
+#include <QPainter>
+#include <QPushButton>
+#include <QSettings>
+#include <QSlider>
+#include <QStackedWidget>
+
+#include "app/orvixlogging.h"
+#include "app/settingskeys.h"
+#include "capture/audioinfo.h"
+#include "capture/devicerecognition.h"
+#include "widgets/animationlabel.h"
+#include "widgets/orvixvideowidget.h"
+#include "widgets/waitingforcamerawidget.h"
+
+namespace {
+constexpr qint64 maximumLevelBlock = 4096;
+
+QAudioFormat levelMeterFormat()
+{
+    QAudioFormat format;
+    format.setSampleRate(8000);
+    format.setChannelCount(1);
+    format.setSampleFormat(QAudioFormat::Int16);
+    return format;
+}
+}
+
+void MainWindow::discoverAvailableCameras()
+{
+    QList<QCameraDevice> cameras = availableCameras;
+    const QList<QCameraDevice> inputs = QMediaDevices::videoInputs();
+    for (const QCameraDevice &camera : inputs) {
+        qCDebug(lcCapture) << "discoverAvailableCameras: " << camera.description();
+        if (DeviceRecognition::isRecognised(camera.description(), recognisedNames) && !cameras.contains(camera))
+            cameras.append(camera);
+    }
+    availableCameras = cameras;
+}
+
+void MainWindow::cameraConnected(QList<QCameraDevice> connectedCameras)
+{
+    for (const QCameraDevice &camera : std::as_const(connectedCameras)) {
+        if (availableCameras.contains(camera))
+            continue;
+        availableCameras.append(camera);
+        if (!this->camera)
+            setCamera(camera);
+    }
+}
+
+void MainWindow::cameraDropped(QList<QCameraDevice> droppedCameras)
+{
+    bool runningDropped = false;
+    for (const QCameraDevice &dropped : std::as_const(droppedCameras)) {
+        if (!availableCameras.removeOne(dropped))
+            continue;
+        if (!camera || dropped != startedCameraDevice)
+            continue;
+
+        runningDropped = true;
+        cameraLive = false;
+        qCDebug(lcCapture) << "cameraDropped description:" << dropped.description();
+        if (recorder && recorder->recorderState() != QMediaRecorder::StoppedState) {
+            recorder->stop();
+            abortFileSplitTask();
+        }
+        recordingAnimationLabel->toggle(false);
+        videoCaptureButton->setChecked(false);
+        delete recorder;
+        recorder = nullptr;
+        delete imageCapture;
+        imageCapture = nullptr;
+        camera->setActive(false);
+        delete camera;
+        camera = nullptr;
+        delete audioInput;
+        audioInput = nullptr;
+        startedCameraDevice = QCameraDevice();
+
+        stopMediaPlayer();
+        showWaitingPage();
+        setupInvaildUIState();
+    }
+    if (runningDropped && !availableCameras.isEmpty())
+        setCamera(availableCameras.first());
+}
+
+void MainWindow::showWaitingPage()
+{
+    stackedPlayers->setCurrentIndex(0);
+    waitingWidget->start();
+}
+
+void MainWindow::setCamera(QCameraDevice cameraInfo)
+{
+    delete recorder;
+    recorder = nullptr;
+    delete imageCapture;
+    imageCapture = nullptr;
+    delete audioInput;
+    audioInput = nullptr;
+    delete camera;
+    camera = nullptr;
+
+    // Of several qualifying microphones the last in the system's order wins.
+    const QList<QAudioDevice> microphones = QMediaDevices::audioInputs();
+    for (const QAudioDevice &microphone : microphones) {
+        if (!DeviceRecognition::microphoneQualifies(microphone.description()))
+            continue;
+        delete audioInput;
+        audioInput = new QAudioInput;
+        audioInput->setDevice(microphone);
+        chosenMicrophone = microphone;
+    }
+
+    const QList<QAudioDevice> outputs = QMediaDevices::audioOutputs();
+    if (!outputs.isEmpty())
+        audioOutputDevice = outputs.first();
+
+    imageCapture = new QImageCapture;
+    currentCameraDevice = cameraInfo;
+    camera = new QCamera(cameraInfo);
+
+    captureSession.setCamera(camera);
+    captureSession.setVideoSink(&videoSink);
+    connect(&videoSink, &QVideoSink::videoFrameChanged, this, &MainWindow::handleVideoFrame, Qt::UniqueConnection);
+
+    if (audioInput) {
+        connect(audioInput, SIGNAL(volumeChanged(float )), this, SLOT(updateAudioOutVolum(float)));
+        captureSession.setAudioInput(audioInput);
+    }
+
+    setupLevelMeter();
+
+    captureSession.setImageCapture(imageCapture);
+
+    // Neither signal exists on QCamera, so neither takes effect: camera state
+    // changes and errors are deliberately not routed to the window.
+    connect(camera, SIGNAL(stateChanged(QCamera::State)), this, SLOT(updateCameraState( QCamera::State )));
+    connect(camera, SIGNAL(error( QCamera::Error )), this, SLOT(cameraError( QCamera::Error )));
+
+    recorder = new QMediaRecorder;
+    // The back end's default here is not a widely playable MP4: ask for H.264
+    // and MP3 in an MPEG-4 file explicitly.
+    QMediaFormat format(QMediaFormat::MPEG4);
+    format.setVideoCodec(QMediaFormat::VideoCodec::H264);
+    format.setAudioCodec(QMediaFormat::AudioCodec::MP3);
+    recorder->setMediaFormat(format);
+    captureSession.setRecorder(recorder);
+
+    connect(recorder, SIGNAL(stateChanged( &QMediaRecorder::recorderStateChanged )),
+            this, SLOT(updateRecorderState( QMediaRecorder::State )));
+    connect(recorder, &QMediaRecorder::recorderStateChanged, this, &MainWindow::updateRecorderState);
+    connect(recorder, SIGNAL(durationChanged( qint64 )), this, SLOT(updateRecordTime( qint64 )));
+    connect(recorder, SIGNAL(error( QMediaRecorder::Error )), this, SLOT(recorderError( QMediaRecorder::Error )));
+
+    camera->setWhiteBalanceMode(QCamera::WhiteBalanceManual);
+
+    // Not made unique: every set-up adds one more call per toggle.
+    fullScreen = false;
+    connect(fullScreenAction, SIGNAL(toggled( bool )), this, SLOT(toggleFullScreenMode( bool )));
+    connect(fullScreenWindowAction, SIGNAL(toggled( bool )), this, SLOT(toggleFullScreenMode( bool )));
+
+    updateRecorderState(recorder->recorderState());
+
+    connect(imageCapture, SIGNAL(readyForCaptureChanged(bool)), this, SLOT(readyForCapture( bool )));
+    connect(imageCapture, SIGNAL(imageCaptured( int, QImage )), this, SLOT(capturedImage( int, QImage )));
+    connect(imageCapture, SIGNAL(imageSaved( int, QString )), this, SLOT(imageSaved( int, QString )));
+    connect(imageCapture, SIGNAL(error( int, QCameraImageCapture::Error, QString )),
+            this, SLOT(captureError( int, QCameraImageCapture::Error, QString )));
+    connect(camera, SIGNAL(lockStatusChanged( QCamera::LockStatus, QCamera::LockChangeReason )),
+            this, SLOT(updateCameraLockState( QCamera::LockStatus, QCamera::LockChangeReason )));
+
+    camera->setActive(true);
+    startedCameraDevice = cameraInfo;
+    stopMediaPlayer();
+    stackedPlayers->setCurrentIndex(1);
+    waitingWidget->stop();
+
+    chooseCameraFormat();
+    fillResolutionMenu();
+    applyRotation(0);
+
+    cameraLive = true;
+    refillLiveInformation();
+
+    setupIdleUIState();
+}
+
+void MainWindow::setupLevelMeter()
+{
+    const QAudioFormat format = levelMeterFormat();
+    delete audioInfo;
+    audioInfo = new AudioInfo(format);
+    delete audioSource;
+    audioSource = nullptr;
+    audioSourceDevice = nullptr;
+    // Without a recognised microphone there is no level to show; an empty
+    // device would otherwise open the system's default input.
+    if (!chosenMicrophone.isNull())
+        audioSource = new QAudioSource(chosenMicrophone, format);
+    audioInfo->start();
+    delete audioSink;
+    audioSink = new QAudioSink(audioOutputDevice, format);
+    if (audioSource)
+        audioSourceDevice = audioSource->start();
+    // Exists and plays nothing.
+    audioSink->setVolume(1.0);
+    if (audioSourceDevice)
+        connect(audioSourceDevice, &QIODevice::readyRead, audioSourceDevice, [this] { readMicrophoneLevel(); });
+}
+
+void MainWindow::readMicrophoneLevel()
+{
+    if (!audioSource || !audioSourceDevice)
+        return;
+    const qint64 wanted = qMin<qint64>(audioSource->bytesAvailable(), maximumLevelBlock);
+    if (wanted <= 0)
+        return;
+    QByteArray block(wanted, '\0');
+    const qint64 read = audioSourceDevice->read(block.data(), wanted);
+    if (read > 0)
+        audioVolumChange(audioInfo->calculateLevel(block.constData(), read));
+}
+
+void MainWindow::chooseCameraFormat()
+{
+    resolutionIndex = DeviceRecognition::initialResolutionIndex(currentCameraDevice.description());
+
+    const QList<QCameraFormat> formats = currentCameraDevice.videoFormats();
+    QList<DeviceRecognition::FormatInfo> infos;
+    for (const QCameraFormat &format : formats)
+        infos.append({ format.resolution(), format.maxFrameRate() });
+    cameraFormats.clear();
+    for (int index : DeviceRecognition::selectFormats(infos, formatFrameRate))
+        cameraFormats.append(formats.at(index));
+
+    for (int i = 0; i < 3; ++i)
+        resolutionActions[i]->setChecked(i == 0);
+    // A camera with no 30 fps format keeps its own default format.
+    if (!cameraFormats.isEmpty())
+        camera->setCameraFormat(cameraFormats.first());
+}
+
+void MainWindow::fillResolutionMenu()
+{
+    resolutions = DeviceRecognition::menuResolutions(currentCameraDevice.photoResolutions());
+    for (int i = 0; i < resolutions.size(); ++i) {
+        resolutionActions[i]->setText(DeviceRecognition::resolutionText(resolutions.at(i)));
+        resolutionActions[i]->setChecked(i == 0);
+    }
+}
+
+void MainWindow::handleVideoFrame(QVideoFrame videoframe)
+{
+    // Only the newest frame is kept; a burst between two paints costs assignments.
+    currentFrame = videoframe;
+    videoWidget->update();
+}
+
+void MainWindow::renderFrame(QPainter &painter)
+{
+    QVideoFrame frame = currentFrame;
+    if (!frame.map(QVideoFrame::ReadOnly))
+        return;
+    QImage image = frame.toImage();
+    image = FrameFilters::orient(image, rotationMode);
+    image = FrameFilters::adjust(image, adjustments);
+    const QRect target = FrameFilters::targetRect(videoWidget->size());
+    painter.drawImage(target, image, QRect(0, 0, image.width(), image.height()));
+    frame.unmap();
+}
+
+void MainWindow::updateAudioOutVolum(float volume)
+{
+    qCDebug(lcCapture) << "===================================updateAioutput volum" << volume;
+}
+
+void MainWindow::volumeChanged(int level)
+{
+    QSettings().setValue(SettingsKeys::micVolume, level);
+    qCDebug(lcCapture) << "volumeChanged" << level;
+    if (recorder && audioInput)
+        audioInput->setVolume(float(level / 100.0));
+}
+
+void MainWindow::muteChanged(bool muted)
+{
+    QSettings().setValue(SettingsKeys::micMuted, muted);
+    volumeSlider->setEnabled(!muted);
+    levelMeterLabel->setVisible(!muted);
+    if (audioInput)
+        audioInput->setMuted(muted);
+}
+
+void MainWindow::audioVolumChange(double level)
+{
+    // The meter only jumps up from here; the animation brings it back down.
+    const int frame = LevelMeter::frameForLevel(level);
+    if (frame > levelMeterLabel->stopAtFrame())
+        levelMeterLabel->climbTo(frame);
+}

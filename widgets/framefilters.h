@@ -1,0 +1,53 @@
+// The live picture's software adjustments, its orientation and its place.
+#pragma once
+
+#include <array>
+
+#include <QImage>
+#include <QRect>
+#include <QSize>
+
+// The eleven adjustment values of the Video Quality dialog; 0 means none.
+struct PictureAdjustments
+{
+    int brightness = 0;
+    int contrast = 0;
+    int hue = 0;
+    int saturation = 0;
+    int whiteBalance = 0;
+    int gamma = 0;
+    int backlight = 0;
+    int gain = 0;
+    int colorEnable = 0; // stored, not applied
+    int sharpness = 0;   // stored, not applied
+    int exposure = 0;
+};
+
+namespace FrameFilters {
+
+// 0 none, 1 rotated 180 degrees, 2 flipped top to bottom, 3 both.
+QImage orient(const QImage &image, int mode);
+
+// Lookup tables of the three table filters.
+using Table = std::array<int, 256>;
+Table brightnessTable(int value);
+Table contrastTable(int factor);
+Table gammaTable(int g);
+QImage applyTable(const QImage &image, const Table &table);
+
+QImage brightness(const QImage &image, int value);
+// The slider value, not the factor: -100 copies, anything else uses value + 200.
+QImage contrast(const QImage &image, int value);
+// The slider value, not g: g is value + 100.
+QImage gamma(const QImage &image, int value);
+QImage hue(const QImage &image, int h);
+QImage saturation(const QImage &image, int s);
+QImage warmth(const QImage &image, int w);
+
+// All non-zero adjustments in their fixed order.
+QImage adjust(const QImage &image, const PictureAdjustments &values);
+
+// The centred 16:9 rectangle of a widget of this size.
+QRect targetRect(const QSize &widget);
+
+} // namespace FrameFilters
