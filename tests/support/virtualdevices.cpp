@@ -1,0 +1,129 @@
+// Test fixture: a private home, settings and runtime folder, virtual cameras
+// through the project's GStreamer device provider, and a private PulseAudio
+// server with virtual microphones.
+#include "virtualdevices.h"
+
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <QThread>
+
+VirtualDevices::VirtualDevices()
+{
+    QDir().mkpath(documents());
+    QDir().mkpath(configHome());
+    QDir().mkpath(runtimeDir());
+    QFile::setPermissions(runtimeDir(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    setCameras({});
+
+    qputenv("HOME", home().toLocal8Bit());
+    qputenv("XDG_CONFIG_HOME", configHome().toLocal8Bit());
+    qputenv("XDG_RUNTIME_DIR", runtimeDir().toLocal8Bit());
+    qunsetenv("XDG_DOCUMENTS_DIR");
+    qunsetenv("PULSE_SERVER");
+    qputenv("ORVIX_VIRTUAL_CAMERAS", controlFile().toLocal8Bit());
+    qputenv("GST_PLUGIN_PATH", QByteArrayLiteral(ORVIX_VIRTUAL_CAMERA_PLUGIN_DIR));
+    // One registry for the whole test run: scanning the system's plugins
+    // takes seconds, and the registry notices when the plugin is rebuilt.
+    qputenv("GST_REGISTRY", QByteArrayLiteral(ORVIX_GST_REGISTRY));
+}
+
+VirtualDevices::~VirtualDevices()
+{
+    stopAudio();
+}
+
+QProcessEnvironment VirtualDevices::environment() const
+{
+    return QProcessEnvironment::systemEnvironment();
+}
+
+bool VirtualDevices::startAudio(QString *error)
+{
+    pulse.setProcessEnvironment(environment());
+    pulse.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    pulse.setStandardOutputFile(QProcess::nullDevice());
+    pulse.start(QStringLiteral("pulseaudio"),
+                { QStringLiteral("-n"), QStringLiteral("--daemonize=no"), QStringLiteral("--exit-idle-time=-1"),
+                  QStringLiteral("--disallow-exit"), QStringLiteral("--log-level=error"),
+                  QStringLiteral("-L"), QStringLiteral("module-native-protocol-unix"),
+                  QStringLiteral("-L"), QStringLiteral("module-null-sink sink_name=speakers") });
+    if (!pulse.waitForStarted(5000)) {
+        if (error)
+            *error = QStringLiteral("pulseaudio did not start: ") + pulse.errorString();
+        return false;
+    }
+    const QString socket = runtimeDir() + QStringLiteral("/pulse/native");
+    const QDeadlineTimer deadline(10000);
+    while (!deadline.hasExpired()) {
+        if (QFileInfo::exists(socket) && pactl({ QStringLiteral("info") }, nullptr))
+            return true;
+        if (pulse.state() != QProcess::Running)
+            break;
+        QThread::msleep(50);
+    }
+    if (error)
+        *error = QStringLiteral("pulseaudio did not answer on ") + socket;
+    return false;
+}
+
+void VirtualDevices::stopAudio()
+{
+    if (pulse.state() == QProcess::NotRunning)
+        return;
+    pulse.terminate();
+    if (!pulse.waitForFinished(3000)) {
+        pulse.kill();
+        pulse.waitForFinished(3000);
+    }
+}
+
+bool VirtualDevices::pactl(const QStringList &arguments, QString *error)
+{
+    QProcess process;
+    process.setProcessEnvironment(environment());
+    process.start(QStringLiteral("pactl"), arguments);
+    if (!process.waitForFinished(5000) || process.exitCode() != 0) {
+        if (error)
+            *error = QStringLiteral("pactl %1 failed: %2").arg(arguments.join(QLatin1Char(' ')),
+                                                               QString::fromLocal8Bit(process.readAllStandardError()));
+        return false;
+    }
+    return true;
+}
+
+bool VirtualDevices::addMicrophone(const QString &description, int frequency, QString *error)
+{
+    const int number = nextMicrophone++;
+    const QString sine = QStringLiteral("sine%1").arg(number);
+    if (!pactl({ QStringLiteral("load-module"), QStringLiteral("module-sine-source"),
+                 QStringLiteral("source_name=") + sine, QStringLiteral("frequency=%1").arg(frequency) }, error))
+        return false;
+    // The outer value in double quotes, the inner in single: nothing else is accepted.
+    return pactl({ QStringLiteral("load-module"), QStringLiteral("module-remap-source"),
+                   QStringLiteral("source_name=mic%1").arg(number), QStringLiteral("master=") + sine,
+                   QStringLiteral("source_properties=\"device.description='%1'\"").arg(description) }, error);
+}
+
+void VirtualDevices::setCameras(const QStringList &lines)
+{
+    QSaveFile file(controlFile());
+    file.open(QIODevice::WriteOnly);
+    file.write(lines.join(QLatin1Char('\n')).toUtf8() + '\n');
+    file.commit();
+}
+
+QString VirtualDevices::usualCaps()
+{
+    return QStringLiteral("video/x-raw,format=YUY2,width=1920,height=1080,framerate=30/1; "
+                          "video/x-raw,format=YUY2,width=1920,height=1080,framerate=60/1; "
+                          "video/x-raw,format=YUY2,width=1280,height=720,framerate=30/1; "
+                          "video/x-raw,format=YUY2,width=640,height=480,framerate=25/1");
+}
+
+QString VirtualDevices::cameraLine(const QString &description, const QString &caps)
+{
+    return description + QLatin1Char('|') + (caps.isEmpty() ? usualCaps() : caps);
+}
