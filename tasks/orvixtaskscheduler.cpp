@@ -93,6 +93,16 @@ QList<OrvixScheduledTask *> OrvixTaskScheduler::queuedTasks() const
     return queue;
 }
 
+QDateTime OrvixTaskScheduler::nextDueTime(const QDateTime &dueTime, int interval, const QDateTime &now)
+{
+    QDateTime next = dueTime;
+    if (interval <= 0)
+        return next;
+    while (!(next > now))
+        next = next.addSecs(interval);
+    return next;
+}
+
 QList<OrvixScheduledTask *> OrvixTaskScheduler::takeDueTasks()
 {
     for (;;) {
@@ -148,10 +158,7 @@ void OrvixTaskScheduler::run()
             OrvixScheduledTask *task = due.at(i);
             task->run();
             if (task->interval > 0) {
-                // Missed periods are skipped, not caught up.
-                const QDateTime now = QDateTime::currentDateTime();
-                while (!(task->dueTime > now))
-                    task->dueTime = task->dueTime.addSecs(task->interval);
+                task->dueTime = nextDueTime(task->dueTime, task->interval, QDateTime::currentDateTime());
                 schedule(task);
             } else {
                 // No event loop runs on this thread, so deleteLater() would

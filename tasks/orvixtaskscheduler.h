@@ -33,8 +33,12 @@ public:
     // so the thread ends within one wait, then joins it.
     void shutdown();
 
-    // Names in due order, for inspection.
+    // The queue in due order, for inspection.
     QList<OrvixScheduledTask *> queuedTasks() const;
+
+    // The next due time of a periodic task after a run that ended at now:
+    // whole periods later, and later than now; missed periods are skipped.
+    static QDateTime nextDueTime(const QDateTime &dueTime, int interval, const QDateTime &now);
 
 protected:
     void run() override;

@@ -1,0 +1,140 @@
+// First-run storage folders, the stored root, and the free-space figure.
+#include <QDir>
+#include <QFile>
+#include <QSettings>
+#include <QStandardPaths>
+#include <QStorageInfo>
+
+#include "app/settingskeys.h"
+#include "app/storagefolders.h"
+#include "messageboxwatcher.h"
+#include "orvixtest.h"
+#include "storage/storagepaths.h"
+
+class tst_StorageFolders : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit tst_StorageFolders(VirtualDevices &devices) : devices(devices) { }
+
+private:
+    // Points the documents folder somewhere else, as the desktop's user dirs do.
+    void setDocuments(const QString &path)
+    {
+        QFile dirs(devices.configHome() + QStringLiteral("/user-dirs.dirs"));
+        QVERIFY(dirs.open(QIODevice::WriteOnly));
+        dirs.write(QStringLiteral("XDG_DOCUMENTS_DIR=\"%1\"\n").arg(path).toUtf8());
+    }
+
+private slots:
+    void init()
+    {
+        QSettings().clear();
+        QFile::remove(devices.configHome() + QStringLiteral("/user-dirs.dirs"));
+        QDir(devices.documents() + QStringLiteral("/Orvix")).removeRecursively();
+    }
+
+    void firstRunCreatesBothFoldersAndStoresTheirParent()
+    {
+        MessageBoxWatcher boxes;
+        QVERIFY(StorageFolders::initialize());
+        const QString base = StoragePaths::join(devices.documents(), QStringLiteral("Orvix"));
+        QVERIFY(QFileInfo(StoragePaths::join(base, QStringLiteral("Movie"))).isDir());
+        QVERIFY(QFileInfo(StoragePaths::join(base, QStringLiteral("Image"))).isDir());
+        QCOMPARE(QSettings().value(SettingsKeys::storageLocation).toString(), base);
+        QVERIFY(boxes.texts.isEmpty());
+    }
+
+    void storedKeyStopsEverything_data()
+    {
+        QTest::addColumn<QString>("stored");
+        QTest::addRow("empty value") << QString();
+        QTest::addRow("vanished folder is not recreated") << QStringLiteral("/nonexistent/orvix-storage");
+    }
+
+    void storedKeyStopsEverything()
+    {
+        QFETCH(QString, stored);
+        QSettings().setValue(SettingsKeys::storageLocation, stored);
+        QVERIFY(StorageFolders::initialize());
+        QVERIFY(!QFileInfo::exists(devices.documents() + QStringLiteral("/Orvix")));
+        if (!stored.isEmpty())
+            QVERIFY(!QFileInfo::exists(stored));
+        QCOMPARE(QSettings().value(SettingsKeys::storageLocation).toString(), stored);
+    }
+
+    void unwritableDocumentsTellTheUserOnce_data()
+    {
+        QTest::addColumn<QString>("blockedPart");
+        QTest::addColumn<QString>("message");
+        QTest::addColumn<bool>("movieFolderKept");
+        QTest::addRow("movie folder") << QStringLiteral("Orvix") << QStringLiteral("Could not create default movie folder.") << false;
+        QTest::addRow("image folder") << QStringLiteral("Orvix/Image") << QStringLiteral("Could not create default image folder.") << true;
+    }
+
+    void unwritableDocumentsTellTheUserOnce()
+    {
+        QFETCH(QString, blockedPart);
+        QFETCH(QString, message);
+        QFETCH(bool, movieFolderKept);
+        // A plain file where a folder must go: mkpath fails even for root.
+        const QString blocker = devices.documents() + QLatin1Char('/') + blockedPart;
+        QDir().mkpath(QFileInfo(blocker).absolutePath());
+        QFile file(blocker);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.close();
+
+        MessageBoxWatcher boxes;
+        QVERIFY(!StorageFolders::initialize());
+        QCOMPARE(boxes.texts, QStringList { message });
+        QCOMPARE(boxes.defaultButtons, QList<int> { QMessageBox::Ok });
+        QVERIFY(!QSettings().contains(SettingsKeys::storageLocation));
+        QCOMPARE(QFileInfo(devices.documents() + QStringLiteral("/Orvix/Movie")).isDir(), movieFolderKept);
+        QFile::remove(blocker);
+    }
+
+    void documentsElsewhereAreFollowed()
+    {
+        const QString elsewhere = devices.home() + QStringLiteral("/Papers");
+        setDocuments(elsewhere);
+        QVERIFY(StorageFolders::initialize());
+        QCOMPARE(QSettings().value(SettingsKeys::storageLocation).toString(), StoragePaths::join(elsewhere, QStringLiteral("Orvix")));
+        QVERIFY(QFileInfo(elsewhere + QStringLiteral("/Orvix/Movie")).isDir());
+    }
+
+    void freeSpacePercent_data()
+    {
+        QTest::addColumn<qint64>("available");
+        QTest::addColumn<qint64>("total");
+        QTest::addColumn<qint64>("percent");
+        QTest::addRow("half") << qint64(50) << qint64(100) << qint64(50);
+        QTest::addRow("truncated, not rounded") << qint64(2) << qint64(3) << qint64(66);
+        QTest::addRow("full") << qint64(7) << qint64(7) << qint64(100);
+        QTest::addRow("no total reported") << qint64(0) << qint64(0) << qint64(0);
+        QTest::addRow("2 TB volume, no overflow") << (qint64(1) << 40) << (qint64(1) << 41) << qint64(50);
+    }
+
+    void freeSpacePercent()
+    {
+        QFETCH(qint64, available);
+        QFETCH(qint64, total);
+        QFETCH(qint64, percent);
+        QCOMPARE(StorageFolders::freeSpacePercent(available, total), percent);
+    }
+
+    void freeSpaceTextOfRealFolders()
+    {
+        QCOMPARE(StorageFolders::freeSpaceText(QStringLiteral("/nonexistent/folder")), QStringLiteral("0%"));
+        QCOMPARE(StorageFolders::freeSpaceText(QString()), QStringLiteral("0%"));
+        const QStorageInfo volume(devices.home());
+        QCOMPARE(StorageFolders::freeSpaceText(devices.home()),
+                 QStringLiteral("%1%").arg(volume.bytesAvailable() * 100 / volume.bytesTotal()));
+    }
+
+private:
+    VirtualDevices &devices;
+};
+
+ORVIX_TEST_MAIN(tst_StorageFolders)
+#include "tst_storagefolders.moc"
