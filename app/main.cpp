@@ -6,6 +6,7 @@
 
 #include "app/orvixlogging.h"
 #include "app/orvixsingleapplication.h"
+#include "app/quitonsignal.h"
 #include "app/startupgeometry.h"
 #include "app/storagefolders.h"
 #include "mainwindow/mainwindow.h"
@@ -51,6 +52,7 @@ int main(int argc, char *argv[])
     if (!StorageFolders::initialize())
         return 0;
 
+    QuitOnSignal::install(&app);
     app.setActivationWindow(&window, true);
     window.show();
     splash.finish(&window);
