@@ -9,9 +9,11 @@
 #include <QDate>
 #include <QDateTime>
 #include <QEvent>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QSettings>
 #include <QSlider>
 #include <QStackedWidget>
@@ -35,6 +37,7 @@ MainWindow::MainWindow(QWidget *parent)
     setWindowIcon(QIcon(QStringLiteral(":/res/orvix.png")));
 
     setupCentralLayout();
+    resize(initialSize());
 
     createResolutionAndRotationActions();
     createActions();
@@ -75,6 +78,14 @@ MainWindow::~MainWindow()
     delete audioSink;
     audioSink = nullptr;
     // The watchdog belongs to the scheduler.
+}
+
+QSize MainWindow::initialSize() const
+{
+    // Large enough for a 16:9 picture beside the panels, never beyond the screen.
+    const QSize preferred(1280, 760);
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    return screen ? preferred.boundedTo(screen->availableSize()) : preferred;
 }
 
 void MainWindow::readSettings()

@@ -170,6 +170,7 @@ protected:
 
 private:
     // mainwindow.cpp: construction steps that other files fill
+    QSize initialSize() const;
     void readSettings();
     void fillRecognisedDevices();
     void startDeviceWatchDog();

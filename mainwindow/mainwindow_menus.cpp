@@ -7,6 +7,8 @@
 #include <QMenuBar>
 #include <QPushButton>
 
+#include "mainwindow/panelstyles.h"
+
 namespace {
 QAction *makeAction(const QString &text, const QString &tip, bool checkable, QObject *parent,
                     const QKeySequence &shortcut = QKeySequence())
@@ -99,6 +101,7 @@ void MainWindow::createMenus()
 {
     mainMenuBar = new QMenuBar(this);
     mainMenuBar->setObjectName(QStringLiteral("MenuBar"));
+    mainMenuBar->setStyleSheet(PanelStyles::menus());
     setMenuBar(mainMenuBar);
 
     QMenu *recordMenu = mainMenuBar->addMenu(QStringLiteral("&Record"));
@@ -125,11 +128,13 @@ void MainWindow::createMenus()
 
     rotationMenu = new QMenu(QStringLiteral("Rotation"), this);
     rotationMenu->addActions(rotationActions);
+    rotationMenu->setStyleSheet(PanelStyles::menus());
     rotationButton->setMenu(rotationMenu);
 
     // The title is reused on purpose; a button menu shows none.
     resolutionMenu = new QMenu(QStringLiteral("Rotation"), this);
     resolutionMenu->addActions(resolutionActions.mid(0, 3));
+    resolutionMenu->setStyleSheet(PanelStyles::menus());
     resolutionButton->setMenu(resolutionMenu);
 }
 

@@ -50,6 +50,19 @@ QString volumeSlider()
             "border: 1px solid white; border-radius: 4px; margin: 1px 0; }");
 }
 
+QString menus()
+{
+    return QStringLiteral(
+            "QMenuBar {background-color: rgb(34, 34, 34); color: rgb(214, 214, 214); }"
+            "QMenuBar::item {padding: 4px 10px; background: transparent; }"
+            "QMenuBar::item:selected {background-color: rgb(70, 70, 70); }"
+            "QMenu {background-color: rgb(46, 46, 48); color: rgb(214, 214, 214); border: 1px solid rgb(24, 24, 24); }"
+            "QMenu::item {padding: 5px 24px 5px 26px; }"
+            "QMenu::item:selected {background-color: rgb(86, 183, 203); color: rgb(16, 16, 16); }"
+            "QMenu::item:disabled {color: rgb(110, 110, 110); }"
+            "QMenu::separator {height: 1px; background: rgb(70, 70, 70); margin: 4px 8px; }");
+}
+
 QString informationLabel(const QString &objectName)
 {
     return QStringLiteral("QLabel#%1 {padding-top: 0; color: white; }").arg(objectName);

@@ -30,6 +30,7 @@ QString styleSheet(const ImageButton &button);
 QString volumeSlider();
 QString informationLabel(const QString &objectName);
 QString informationField(const QString &className, const QString &objectName, const QString &padding = QString());
+QString menus();
 QString folderButton(const QString &objectName, const QString &icon);
 
 } // namespace PanelStyles
