@@ -56,6 +56,8 @@ MainWindow::MainWindow(QWidget *parent)
 
     startDeviceWatchDog();
 
+    focusHintTimer.setParent(this);
+    focusHintTimer.setObjectName(QStringLiteral("focusHintTimer"));
     focusHintTimer.setSingleShot(true);
     connect(&focusHintTimer, SIGNAL(timeout()), this, SLOT(hideFocusRect()));
 }
