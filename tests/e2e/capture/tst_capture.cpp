@@ -1,0 +1,347 @@
+// Cameras and microphones for real: the watchdog, discovery, the capture
+// session, fall-back between cameras, the live picture, volume, mute and the
+// level meter, all against virtual devices and the real Qt Multimedia stack.
+#include <QAction>
+#include <QAudioInput>
+#include <QCamera>
+#include <QMediaDevices>
+#include <QPushButton>
+#include <QSettings>
+#include <QSignalSpy>
+#include <QSlider>
+#include <QStackedWidget>
+
+#include "app/settingskeys.h"
+#include "capture/orvixdevicewatchdogtask.h"
+#include "mainwindow/mainwindow.h"
+#include "orvixtest.h"
+#include "widgets/animationlabel.h"
+#include "widgets/framefilters.h"
+#include "widgets/orvixvideowidget.h"
+
+namespace {
+const QString fullHd = QStringLiteral("Orvix Full HD Camera");
+const QString qhd = QStringLiteral("Orvix QHD Camera");
+const QString webcam = QStringLiteral("Acme Webcam");
+
+// A camera comes up within one 3 s watchdog period; allow for a slow machine.
+constexpr int watchdogWait = 6000;
+
+QStringList descriptions(const QList<QCameraDevice> &cameras)
+{
+    QStringList result;
+    for (const QCameraDevice &camera : cameras)
+        result << camera.description();
+    return result;
+}
+
+int page(MainWindow &window)
+{
+    return window.findChild<QStackedWidget *>(QStringLiteral("StackedPlayersWidget"))->currentIndex();
+}
+
+bool idle(MainWindow &window)
+{
+    return window.findChild<QPushButton *>(QStringLiteral("VideoCaptureButton"))->isEnabled()
+            && window.findChild<QPushButton *>(QStringLiteral("ResolutionSetupButton"))->isEnabled();
+}
+
+bool invalid(MainWindow &window)
+{
+    return !window.findChild<QPushButton *>(QStringLiteral("VideoCaptureButton"))->isEnabled()
+            && !window.findChild<QPushButton *>(QStringLiteral("VolumeLevelButton"))->isEnabled();
+}
+
+QImage grabLive(MainWindow &window)
+{
+    return window.findChild<OrvixVideoWidget *>(QStringLiteral("CameraViewfinder"))->grab().toImage();
+}
+
+// Only the 16:9 picture is painted; the bands beside it are left as they were.
+QImage livePicture(MainWindow &window)
+{
+    const QImage whole = grabLive(window);
+    return whole.copy(FrameFilters::targetRect(whole.size()));
+}
+
+bool showsPicture(MainWindow &window)
+{
+    const QImage picture = livePicture(window);
+    return !picture.isNull() && picture.pixel(picture.width() / 2, picture.height() / 4) != qRgb(0, 0, 0);
+}
+
+// Runs the watchdog once and records its signals in order.
+QStringList runWatchDog(OrvixDeviceWatchDogTask &watchDog)
+{
+    QStringList events;
+    auto dropped = QObject::connect(&watchDog, &OrvixDeviceWatchDogTask::dropped, [&](const QList<QCameraDevice> &cameras) {
+        events << QStringLiteral("dropped ") + descriptions(cameras).join(QLatin1Char(','));
+    });
+    auto connected = QObject::connect(&watchDog, &OrvixDeviceWatchDogTask::connected, [&](const QList<QCameraDevice> &cameras) {
+        events << QStringLiteral("connected ") + descriptions(cameras).join(QLatin1Char(','));
+    });
+    watchDog.run();
+    QObject::disconnect(dropped);
+    QObject::disconnect(connected);
+    return events;
+}
+
+void waitForCameras(const QStringList &expected)
+{
+    QTRY_COMPARE_WITH_TIMEOUT(descriptions(QMediaDevices::videoInputs()), expected, 5000);
+}
+}
+
+class tst_Capture : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit tst_Capture(VirtualDevices &devices) : devices(devices) { }
+
+private slots:
+    void initTestCase()
+    {
+        QString error;
+        QVERIFY2(devices.startAudio(&error), qPrintable(error));
+        // Two qualifying microphones and one that only looks like one.
+        QVERIFY2(devices.addMicrophone(QStringLiteral("Orvix High Definition Mic II"), 440, &error), qPrintable(error));
+        QVERIFY2(devices.addMicrophone(QStringLiteral("usb tessaly digital mic camera"), 330, &error), qPrintable(error));
+        QVERIFY2(devices.addMicrophone(QStringLiteral("ORVIX HIGH DEFINITION MIC II rear"), 550, &error), qPrintable(error));
+        QSettings().setValue(SettingsKeys::storageLocation, devices.home());
+    }
+
+    void init()
+    {
+        devices.setCameras({});
+        waitForCameras({});
+    }
+
+    void watchDogReportsRecognisedChanges()
+    {
+        OrvixDeviceWatchDogTask watchDog(3, QDateTime::currentDateTime());
+        QCOMPARE(watchDog.name(), QStringLiteral("DeviceWatchDogTask"));
+        QCOMPARE(watchDog.objectName(), QStringLiteral("DeviceWatchDogTask"));
+        QVERIFY(QMetaType::fromName("QList<QCameraInfo>").isValid());
+        QCOMPARE(watchDog.interval, 3);
+
+        QCOMPARE(runWatchDog(watchDog), QStringList());
+
+        devices.setCameras({ VirtualDevices::cameraLine(fullHd) });
+        waitForCameras({ fullHd });
+        QCOMPARE(runWatchDog(watchDog), QStringList({ "connected " + fullHd }));
+        QCOMPARE(runWatchDog(watchDog), QStringList());
+
+        devices.setCameras({ VirtualDevices::cameraLine(fullHd), VirtualDevices::cameraLine(webcam) });
+        waitForCameras({ fullHd, webcam });
+        QCOMPARE(runWatchDog(watchDog), QStringList());
+
+        // A swap within one period: the old one is reported first.
+        devices.setCameras({ VirtualDevices::cameraLine(webcam), VirtualDevices::cameraLine(qhd) });
+        waitForCameras({ webcam, qhd });
+        QCOMPARE(runWatchDog(watchDog), QStringList({ "dropped " + fullHd, "connected " + qhd }));
+
+        // Two identical cameras are tracked one by one.
+        devices.setCameras({ VirtualDevices::cameraLine(qhd), VirtualDevices::cameraLine(qhd) });
+        waitForCameras({ qhd, qhd });
+        QCOMPARE(runWatchDog(watchDog), QStringList({ "connected " + qhd }));
+        devices.setCameras({ VirtualDevices::cameraLine(qhd) });
+        waitForCameras({ qhd });
+        QCOMPARE(runWatchDog(watchDog), QStringList({ "dropped " + qhd }));
+    }
+
+    void noCameraThenPlugIn()
+    {
+        MainWindow window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QCOMPARE(page(window), 0);
+        QVERIFY(invalid(window));
+        QVERIFY(!window.isCameraLive());
+
+        devices.setCameras({ VirtualDevices::cameraLine(webcam) });
+        QTest::qWait(3500);
+        QVERIFY(window.usableCameras().isEmpty());
+        QCOMPARE(page(window), 0);
+
+        devices.setCameras({ VirtualDevices::cameraLine(webcam), VirtualDevices::cameraLine(fullHd) });
+        QTRY_VERIFY_WITH_TIMEOUT(window.isCameraLive(), watchdogWait);
+        QCOMPARE(window.runningCameraDevice().description(), fullHd);
+        QCOMPARE(page(window), 1);
+        QVERIFY(idle(window));
+        QCOMPARE(window.currentCamera()->isActive(), true);
+
+        // The formats offered: one per resolution at exactly 30 fps, widest first.
+        QList<QSize> offered;
+        for (const QCameraFormat &format : window.formatsOnOffer())
+            offered << format.resolution();
+        QCOMPARE(offered, QList<QSize>({ { 1920, 1080 }, { 1280, 720 } }));
+        QCOMPARE(window.currentCamera()->cameraFormat().resolution(), QSize(1920, 1080));
+        QCOMPARE(window.currentCamera()->cameraFormat().maxFrameRate(), 30.0f);
+        QStringList menu;
+        for (QAction *action : window.resolutionActionList())
+            menu << action->text();
+        QCOMPARE(menu, QStringList({ "1920x1080", "1280x720", "640x480", "640 x 630" }));
+        QVERIFY(window.resolutionActionList().first()->isChecked());
+        QVERIFY(window.rotationActionList().first()->isChecked());
+
+        // The live view moves.
+        QTRY_VERIFY_WITH_TIMEOUT(showsPicture(window), 5000);
+        const QImage first = livePicture(window);
+        QTest::qWait(400);
+        QVERIFY(livePicture(window) != first);
+
+        saveScreenshot(window, QStringLiteral("live"));
+    }
+
+    void unrecognisedSuffixIsIgnored()
+    {
+        devices.setCameras({ VirtualDevices::cameraLine(fullHd + QStringLiteral(" (2)")) });
+        waitForCameras({ fullHd + QStringLiteral(" (2)") });
+        MainWindow window;
+        QVERIFY(window.usableCameras().isEmpty());
+        QVERIFY(invalid(window));
+    }
+
+    void runningCameraUnpluggedFallsBackThenWaits()
+    {
+        devices.setCameras({ VirtualDevices::cameraLine(fullHd), VirtualDevices::cameraLine(qhd) });
+        waitForCameras({ fullHd, qhd });
+        MainWindow window;
+        // The first in the system's order is used.
+        QCOMPARE(window.runningCameraDevice().description(), fullHd);
+        QCOMPARE(descriptions(window.usableCameras()), QStringList({ fullHd, qhd }));
+
+        devices.setCameras({ VirtualDevices::cameraLine(qhd) });
+        QTRY_COMPARE_WITH_TIMEOUT(window.runningCameraDevice().description(), qhd, watchdogWait);
+        QVERIFY(window.isCameraLive());
+        QCOMPARE(page(window), 1);
+        QVERIFY(idle(window));
+
+        devices.setCameras({});
+        QTRY_VERIFY_WITH_TIMEOUT(!window.isCameraLive(), watchdogWait);
+        QCOMPARE(page(window), 0);
+        QVERIFY(invalid(window));
+        QVERIFY(window.currentCamera() == nullptr);
+        QVERIFY(window.currentRecorder() == nullptr);
+    }
+
+    void unpluggingAnotherCameraKeepsTheView()
+    {
+        devices.setCameras({ VirtualDevices::cameraLine(fullHd), VirtualDevices::cameraLine(qhd) });
+        waitForCameras({ fullHd, qhd });
+        MainWindow window;
+        QCamera *running = window.currentCamera();
+        devices.setCameras({ VirtualDevices::cameraLine(fullHd) });
+        QTRY_COMPARE_WITH_TIMEOUT(window.usableCameras().size(), 1, watchdogWait);
+        QCOMPARE(window.currentCamera(), running);
+        QVERIFY(window.isCameraLive());
+    }
+
+    void cameraWithoutThirtyFpsKeepsItsDefault()
+    {
+        const QString caps = QStringLiteral("video/x-raw,format=YUY2,width=1280,height=720,framerate=60/1; "
+                                            "video/x-raw,format=YUY2,width=640,height=480,framerate=25/1");
+        devices.setCameras({ VirtualDevices::cameraLine(fullHd, caps) });
+        waitForCameras({ fullHd });
+        MainWindow window;
+        QVERIFY(window.isCameraLive());
+        QVERIFY(window.formatsOnOffer().isEmpty());
+        QVERIFY(window.currentCamera()->isActive());
+        // Choosing a resolution then has no format to apply, and must not crash.
+        window.resolutionTo2nd();
+        QVERIFY(window.currentCamera()->isActive());
+    }
+
+    void resolutionSlotsApplyTheirFormat()
+    {
+        devices.setCameras({ VirtualDevices::cameraLine(fullHd) });
+        waitForCameras({ fullHd });
+        MainWindow window;
+        window.resolutionTo2nd();
+        QCOMPARE(window.currentResolutionIndex(), 1);
+        QCOMPARE(window.currentCamera()->cameraFormat().resolution(), QSize(1280, 720));
+        QVERIFY(window.currentCamera()->isActive());
+        const auto actions = window.resolutionActionList();
+        QVERIFY(!actions[0]->isChecked() && actions[1]->isChecked() && !actions[2]->isChecked());
+        window.resolutionTo4th();
+        QCOMPARE(window.currentResolutionIndex(), 1);
+        window.rotation180DegreeWithMirror();
+        QCOMPARE(window.currentRotationMode(), 3);
+        QVERIFY(window.rotationActionList()[3]->isChecked() && !window.rotationActionList()[0]->isChecked());
+    }
+
+    void laterQualifyingMicrophoneWinsAndTheMeterMoves()
+    {
+        devices.setCameras({ VirtualDevices::cameraLine(fullHd) });
+        waitForCameras({ fullHd });
+        MainWindow window;
+        QCOMPARE(window.chosenMicrophoneDevice().description(), QStringLiteral("ORVIX HIGH DEFINITION MIC II rear"));
+        QVERIFY(window.currentAudioInput());
+        QCOMPARE(window.currentAudioInput()->device().description(), QStringLiteral("ORVIX HIGH DEFINITION MIC II rear"));
+        // The sine drives the meter above its resting frame.
+        QTRY_VERIFY_WITH_TIMEOUT(window.levelMeter()->stopAtFrame() >= 1, 5000);
+    }
+
+    void volumeAndMute()
+    {
+        devices.setCameras({ VirtualDevices::cameraLine(fullHd) });
+        waitForCameras({ fullHd });
+        MainWindow window;
+        window.volumeChanged(55);
+        QCOMPARE(QSettings().value(SettingsKeys::micVolume).toInt(), 55);
+        QCOMPARE(window.currentAudioInput()->volume(), 0.55f);
+
+        auto *slider = window.findChild<QSlider *>(QStringLiteral("VolumeControlSlider"));
+        window.muteChanged(true);
+        QVERIFY(QSettings().value(SettingsKeys::micMuted).toBool());
+        QVERIFY(window.currentAudioInput()->isMuted());
+        QVERIFY(!slider->isEnabled());
+        QVERIFY(window.levelMeter()->isHidden());
+        // The states read the mute button when they run.
+        window.findChild<QPushButton *>(QStringLiteral("VolumeLevelButton"))->setChecked(true);
+        window.setupIdleUIState();
+        QVERIFY(!slider->isEnabled());
+
+        window.muteChanged(false);
+        QVERIFY(!window.currentAudioInput()->isMuted());
+        QVERIFY(slider->isEnabled());
+        QVERIFY(!window.levelMeter()->isHidden());
+    }
+
+    void picturesWithFiltersOn()
+    {
+        devices.setCameras({ VirtualDevices::cameraLine(fullHd) });
+        waitForCameras({ fullHd });
+        MainWindow window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QTRY_VERIFY_WITH_TIMEOUT(showsPicture(window), 5000);
+        const QImage plain = livePicture(window);
+        window.setBrightness(20);
+        window.setContrast(-150);
+        window.setGamma(-20);
+        window.setStaturation(-40);
+        window.setWhiteBal(20);
+        window.rotationMirror();
+        QTest::qWait(300);
+        const QImage adjusted = livePicture(window);
+        QCOMPARE(adjusted.size(), plain.size());
+        // Warmer and paler: more red than blue where the plain picture is grey.
+        QVERIFY(adjusted != plain);
+        saveScreenshot(window, QStringLiteral("live-filters"));
+    }
+
+private:
+    void saveScreenshot(MainWindow &window, const QString &name)
+    {
+        const QString folder = qEnvironmentVariable("ORVIX_SCREENSHOT_DIR");
+        if (!folder.isEmpty())
+            window.grab().save(folder + QLatin1Char('/') + name + QStringLiteral(".png"));
+    }
+
+    VirtualDevices &devices;
+};
+
+ORVIX_TEST_MAIN(tst_Capture)
+#include "tst_capture.moc"
