@@ -40,6 +40,10 @@ QImage brightness(const QImage &image, int value);
 QImage contrast(const QImage &image, int value);
 // The slider value, not g: g is value + 100.
 QImage gamma(const QImage &image, int value);
+// Hue and saturation build their tables on first use; this builds them ahead
+// so that the first adjusted frame does not wait. Safe from any thread.
+void warmUpColourTables();
+
 QImage hue(const QImage &image, int h);
 QImage saturation(const QImage &image, int s);
 QImage warmth(const QImage &image, int w);

@@ -1,0 +1,269 @@
+// The fast picture filters against the literal per-pixel QColor algorithm:
+// bit for bit, over every 8-bit colour, a dense sample of the colour cube for
+// every slider value, and real frames from the virtual camera.
+#include <QCamera>
+#include <QMediaCaptureSession>
+#include <QMediaDevices>
+#include <QVideoSink>
+
+#include "orvixtest.h"
+#include "referencefilters.h"
+#include "widgets/framefilters.h"
+
+namespace {
+// Pixels as stored, with the alpha the renderer will draw.
+QList<QRgb> pixels(const QImage &image)
+{
+    const QImage rgb = image.convertToFormat(QImage::Format_ARGB32);
+    QList<QRgb> result;
+    result.reserve(qsizetype(rgb.width()) * rgb.height());
+    for (int y = 0; y < rgb.height(); ++y) {
+        const auto *line = reinterpret_cast<const QRgb *>(rgb.constScanLine(y));
+        for (int x = 0; x < rgb.width(); ++x)
+            result.append(line[x]);
+    }
+    return result;
+}
+
+// Names the first differing pixel, for a readable failure.
+QString firstDifference(const QImage &source, const QImage &fast, const QImage &reference)
+{
+    if (fast.size() != reference.size())
+        return QStringLiteral("sizes differ");
+    const QList<QRgb> a = pixels(fast), b = pixels(reference), in = pixels(source);
+    for (qsizetype i = 0; i < a.size(); ++i) {
+        if (a[i] != b[i])
+            return QStringLiteral("pixel %1 from %2: fast %3, reference %4")
+                    .arg(i).arg(in[i], 8, 16, QLatin1Char('0')).arg(a[i], 8, 16, QLatin1Char('0')).arg(b[i], 8, 16, QLatin1Char('0'));
+    }
+    return QString();
+}
+
+using Filter = QImage (*)(const QImage &, int);
+
+struct FilterPair
+{
+    const char *name;
+    Filter fast;
+    Filter reference;
+    int from;
+    int to;
+};
+
+// Each slider's range; backlight, gain and exposure use the brightness step.
+const FilterPair filters[] = {
+    { "brightness", FrameFilters::brightness, ReferenceFilters::brightness, -100, 100 },
+    { "contrast", FrameFilters::contrast, ReferenceFilters::contrast, -100, 100 },
+    { "gamma", FrameFilters::gamma, ReferenceFilters::gamma, -100, 100 },
+    { "hue", FrameFilters::hue, ReferenceFilters::hue, 1, 120 },
+    { "saturation", FrameFilters::saturation, ReferenceFilters::saturation, -100, 50 },
+    { "white balance", FrameFilters::warmth, ReferenceFilters::warmth, -30, 30 },
+};
+
+void grabFrame(VirtualDevices &devices, const QString &pattern, QImage &frame)
+{
+    devices.setCameras({ QStringLiteral("Orvix Full HD Camera|video/x-raw,format=YUY2,width=640,height=480,framerate=30/1|frame-%1|%1")
+                                 .arg(pattern) });
+    QCameraDevice device;
+    QTRY_VERIFY_WITH_TIMEOUT(!(device = QMediaDevices::videoInputs().value(0)).isNull()
+                                     && device.id().size() > 0 && QMediaDevices::videoInputs().size() == 1, 5000);
+    QCamera camera(device);
+    QMediaCaptureSession session;
+    QVideoSink sink;
+    session.setCamera(&camera);
+    session.setVideoSink(&sink);
+    QObject::connect(&sink, &QVideoSink::videoFrameChanged, [&frame](const QVideoFrame &videoFrame) {
+        if (frame.isNull())
+            frame = videoFrame.toImage();
+    });
+    camera.start();
+    QTRY_VERIFY_WITH_TIMEOUT(!frame.isNull(), 10000);
+    camera.stop();
+    devices.setCameras({});
+}
+}
+
+class tst_FrameFilters : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit tst_FrameFilters(VirtualDevices &devices) : devices(devices) { }
+
+private slots:
+    void everyColourOnce_data()
+    {
+        QTest::addColumn<int>("filter");
+        QTest::addColumn<int>("value");
+        QTest::addRow("hue 1") << 3 << 1;
+        QTest::addRow("hue 120") << 3 << 120;
+        QTest::addRow("saturation -100") << 4 << -100;
+        QTest::addRow("saturation -37") << 4 << -37;
+        QTest::addRow("saturation 50") << 4 << 50;
+        QTest::addRow("white balance -30") << 5 << -30;
+        QTest::addRow("gamma -99") << 2 << -99;
+        QTest::addRow("contrast 1") << 1 << 1;
+    }
+
+    // All 16.7 million colours against the reference for a few values.
+    void everyColourOnce()
+    {
+        QFETCH(int, filter);
+        QFETCH(int, value);
+        const QImage cube = ReferenceFilters::colourCube(1);
+        const QImage fast = filters[filter].fast(cube, value);
+        const QImage reference = filters[filter].reference(cube, value);
+        const QString difference = firstDifference(cube, fast, reference);
+        QVERIFY2(difference.isEmpty(), qPrintable(difference));
+    }
+
+    void everySliderValue_data()
+    {
+        QTest::addColumn<int>("filter");
+        for (int i = 0; i < int(std::size(filters)); ++i)
+            QTest::addRow("%s", filters[i].name) << i;
+    }
+
+    // Every value of each slider's range on a dense sample of the cube.
+    void everySliderValue()
+    {
+        QFETCH(int, filter);
+        const QImage sample = ReferenceFilters::colourCube(17);
+        QStringList wrong;
+        for (int value = filters[filter].from; value <= filters[filter].to; ++value) {
+            const QString difference = firstDifference(sample, filters[filter].fast(sample, value),
+                                                       filters[filter].reference(sample, value));
+            if (!difference.isEmpty())
+                wrong << QStringLiteral("%1: %2").arg(value).arg(difference);
+        }
+        QVERIFY2(wrong.isEmpty(), qPrintable(wrong.mid(0, 5).join(QStringLiteral("; "))));
+    }
+
+    void realFrames_data()
+    {
+        QTest::addColumn<QString>("pattern");
+        QTest::addRow("colour gradients") << QStringLiteral("colors");
+        QTest::addRow("zone plate") << QStringLiteral("zone-plate");
+        QTest::addRow("noise") << QStringLiteral("snow");
+    }
+
+    // Frames as the camera delivers them, in the format the renderer gets.
+    void realFrames()
+    {
+        QFETCH(QString, pattern);
+        QImage frame;
+        grabFrame(devices, pattern, frame);
+        QVERIFY(!frame.isNull());
+        for (const FilterPair &filter : filters) {
+            for (int value : { filter.from, (filter.from + filter.to) / 2 + 1, filter.to }) {
+                if (value == 0)
+                    continue;
+                const QString difference = firstDifference(frame, filter.fast(frame, value), filter.reference(frame, value));
+                QVERIFY2(difference.isEmpty(), qPrintable(QStringLiteral("%1 %2: %3").arg(filter.name).arg(value).arg(difference)));
+            }
+        }
+    }
+
+    void chainMatchesTheReferenceChain()
+    {
+        const QImage sample = ReferenceFilters::colourCube(9);
+        PictureAdjustments values;
+        values.brightness = 10;
+        values.contrast = -20;
+        values.gamma = 15;
+        values.hue = 33;
+        values.saturation = -20;
+        values.whiteBalance = 12;
+        values.backlight = 1;
+        values.gain = 5;
+        values.exposure = -7;
+        values.colorEnable = 80; // not applied
+        values.sharpness = -50;  // not applied
+        QImage reference = sample;
+        reference = ReferenceFilters::brightness(reference, 10);
+        reference = ReferenceFilters::contrast(reference, -20);
+        reference = ReferenceFilters::gamma(reference, 15);
+        reference = ReferenceFilters::hue(reference, 33);
+        reference = ReferenceFilters::saturation(reference, -20);
+        reference = ReferenceFilters::warmth(reference, 12);
+        reference = ReferenceFilters::brightness(reference, 1);
+        reference = ReferenceFilters::brightness(reference, 5);
+        reference = ReferenceFilters::brightness(reference, -7);
+        const QString difference = firstDifference(sample, FrameFilters::adjust(sample, values), reference);
+        QVERIFY2(difference.isEmpty(), qPrintable(difference));
+        QCOMPARE(FrameFilters::adjust(sample, PictureAdjustments()), sample);
+    }
+
+    void filterEdges_data()
+    {
+        QTest::addColumn<int>("filter");
+        QTest::addColumn<int>("value");
+        QTest::addColumn<QRgb>("in");
+        QTest::addColumn<QRgb>("out");
+        QTest::addRow("brightness 100 is white") << 0 << 100 << qRgb(3, 90, 200) << qRgb(255, 255, 255);
+        QTest::addRow("brightness -100 is black") << 0 << -100 << qRgb(250, 90, 200) << qRgb(0, 0, 0);
+        QTest::addRow("contrast -100 copies") << 1 << -100 << qRgb(10, 20, 30) << qRgb(10, 20, 30);
+        QTest::addRow("contrast 1 doubles") << 1 << 1 << qRgb(127, 137, 117) << qRgb(127, 147, 107);
+        QTest::addRow("gamma -100: below 255 is 0") << 2 << -100 << qRgb(254, 255, 1) << qRgb(0, 255, 0);
+        QTest::addRow("hue 1 tints") << 3 << 1 << qRgb(0, 0, 255) << QColor::fromHsv(1, 255, 255).rgb();
+        QTest::addRow("hue keeps grey grey") << 3 << 60 << qRgb(90, 90, 90) << qRgb(90, 90, 90);
+        const int lightness = QColor(200, 100, 0).lightness();
+        QTest::addRow("saturation -100 is grey") << 4 << -100 << qRgb(200, 100, 0) << qRgb(lightness, lightness, lightness);
+        QTest::addRow("warmth leaves blue") << 5 << 30 << qRgb(250, 10, 77) << qRgb(255, 40, 77);
+        QTest::addRow("cool") << 5 << -30 << qRgb(20, 10, 77) << qRgb(0, 0, 77);
+    }
+
+    void filterEdges()
+    {
+        QFETCH(int, filter);
+        QFETCH(int, value);
+        QFETCH(QRgb, in);
+        QFETCH(QRgb, out);
+        QImage image(1, 1, QImage::Format_RGB32);
+        image.setPixel(0, 0, in);
+        QCOMPARE(filters[filter].fast(image, value).pixel(0, 0), out);
+    }
+
+    void indexedImagesChangeOnlyTheirColourTable()
+    {
+        QImage indexed(4, 1, QImage::Format_Indexed8);
+        indexed.setColorTable({ qRgb(10, 20, 30), qRgb(200, 100, 50) });
+        for (int x = 0; x < 4; ++x)
+            indexed.setPixel(x, 0, uint(x % 2));
+        const QImage brighter = FrameFilters::brightness(indexed, 10);
+        QCOMPARE(brighter.format(), QImage::Format_Indexed8);
+        QCOMPARE(brighter.colorTable(), QList<QRgb>({ qRgb(35, 45, 55), qRgb(225, 125, 75) }));
+    }
+
+    void orientation_data()
+    {
+        QTest::addColumn<int>("mode");
+        QTest::addColumn<QList<QRgb>>("corners"); // top-left, top-right, bottom-left, bottom-right
+        const QRgb a = qRgb(255, 0, 0), b = qRgb(0, 255, 0), c = qRgb(0, 0, 255), d = qRgb(255, 255, 0);
+        QTest::addRow("0 unchanged") << 0 << QList<QRgb> { a, b, c, d };
+        QTest::addRow("1 rotated 180") << 1 << QList<QRgb> { d, c, b, a };
+        QTest::addRow("2 flipped top to bottom") << 2 << QList<QRgb> { c, d, a, b };
+        QTest::addRow("3 rotation and flip: left-right") << 3 << QList<QRgb> { b, a, d, c };
+        QTest::addRow("unknown mode unchanged") << 7 << QList<QRgb> { a, b, c, d };
+    }
+
+    void orientation()
+    {
+        QFETCH(int, mode);
+        QFETCH(QList<QRgb>, corners);
+        QImage image(3, 2, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        image.setPixel(0, 0, qRgb(255, 0, 0));
+        image.setPixel(2, 0, qRgb(0, 255, 0));
+        image.setPixel(0, 1, qRgb(0, 0, 255));
+        image.setPixel(2, 1, qRgb(255, 255, 0));
+        const QImage turned = FrameFilters::orient(image, mode);
+        QCOMPARE(QList<QRgb>({ turned.pixel(0, 0), turned.pixel(2, 0), turned.pixel(0, 1), turned.pixel(2, 1) }), corners);
+    }
+
+private:
+    VirtualDevices &devices;
+};
+
+ORVIX_TEST_MAIN(tst_FrameFilters)
+#include "tst_framefilters.moc"
