@@ -207,8 +207,10 @@ private slots:
         QTest::addRow("gamma -100: below 255 is 0") << 2 << -100 << qRgb(254, 255, 1) << qRgb(0, 255, 0);
         QTest::addRow("hue 1 tints") << 3 << 1 << qRgb(0, 0, 255) << QColor::fromHsv(1, 255, 255).rgb();
         QTest::addRow("hue keeps grey grey") << 3 << 60 << qRgb(90, 90, 90) << qRgb(90, 90, 90);
-        const int lightness = QColor(200, 100, 0).lightness();
-        QTest::addRow("saturation -100 is grey") << 4 << -100 << qRgb(200, 100, 0) << qRgb(lightness, lightness, lightness);
+        // A pale colour, HSL saturation below 100, turns grey at -100.
+        const int lightness = QColor(120, 100, 80).lightness();
+        QTest::addRow("saturation -100 greys a pale colour") << 4 << -100 << qRgb(120, 100, 80)
+                                                             << qRgb(lightness, lightness, lightness);
         QTest::addRow("warmth leaves blue") << 5 << 30 << qRgb(250, 10, 77) << qRgb(255, 40, 77);
         QTest::addRow("cool") << 5 << -30 << qRgb(20, 10, 77) << qRgb(0, 0, 77);
     }
