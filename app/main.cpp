@@ -4,6 +4,7 @@
 #include <QScreen>
 #include <QSplashScreen>
 
+#include "app/memorytuning.h"
 #include "app/orvixlogging.h"
 #include "app/orvixsingleapplication.h"
 #include "app/quitonsignal.h"
@@ -30,6 +31,7 @@ int main(int argc, char *argv[])
     QCoreApplication::setOrganizationDomain(QStringLiteral("kelvane.com"));
     QCoreApplication::setApplicationName(QStringLiteral("Orvix"));
 
+    MemoryTuning::keepFrameMemory();
     OrvixSingleApplication app(singleInstanceId, argc, argv);
     if (app.sendMessage(QStringLiteral("Wake up!"), 5000))
         return 0;

@@ -276,7 +276,7 @@ void MainWindow::renderFrame(QPainter &painter)
         return;
     QImage image = frame.toImage();
     image = FrameFilters::orient(image, rotationMode);
-    image = FrameFilters::adjust(image, adjustments);
+    FrameFilters::adjust(image, adjustments);
     const QRect target = FrameFilters::targetRect(videoWidget->size());
     painter.drawImage(target, image, QRect(0, 0, image.width(), image.height()));
     frame.unmap();

@@ -1,9 +1,15 @@
 // The live picture's software adjustments, its orientation and its place.
+//
+// Hue and saturation were once done pixel by pixel with QColor, a third of a
+// second per 1080p frame. The colour a pixel gets from either depends on few
+// things: its largest and smallest channel, and for saturation its HSL hue.
+// Small tables filled by QColor hold what depends on those, and the rest
+// repeats QColor's single-precision steps; the tests hold the literal
+// per-pixel algorithm and compare over every colour.
 #include "framefilters.h"
 
 #include <algorithm>
 #include <cmath>
-#include <vector>
 
 #include <QColor>
 #include <QTransform>
@@ -56,59 +62,40 @@ Table gammaTable(int g)
     return table;
 }
 
-QImage applyTable(const QImage &image, const Table &table)
-{
-    QImage result = image.copy();
-    if (result.colorCount() > 0) {
-        QList<QRgb> colors = result.colorTable();
-        for (QRgb &color : colors)
-            color = qRgba(table[qRed(color)], table[qGreen(color)], table[qBlue(color)], 255);
-        result.setColorTable(colors);
-        return result;
-    }
-    if (result.format() != QImage::Format_RGB32)
-        result = result.convertToFormat(QImage::Format_RGB32);
-    for (int y = 0; y < result.height(); ++y) {
-        auto *line = reinterpret_cast<QRgb *>(result.scanLine(y));
-        for (int x = 0; x < result.width(); ++x) {
-            const QRgb pixel = line[x];
-            line[x] = qRgba(table[qRed(pixel)], table[qGreen(pixel)], table[qBlue(pixel)], 255);
-        }
-    }
-    return result;
-}
-
-QImage brightness(const QImage &image, int value)
-{
-    return applyTable(image, brightnessTable(value));
-}
-
-QImage contrast(const QImage &image, int value)
-{
-    if (value == -100)
-        return image.copy();
-    // The first step away from 0 jumps to a factor of about 2; intended.
-    return applyTable(image, contrastTable(value + 200));
-}
-
-QImage gamma(const QImage &image, int value)
-{
-    return applyTable(image, gammaTable(value + 100));
-}
-
 namespace {
+bool is32Bit(const QImage &image)
+{
+    const QImage::Format format = image.format();
+    return format == QImage::Format_RGB32 || format == QImage::Format_ARGB32
+            || format == QImage::Format_ARGB32_Premultiplied;
+}
+
 // The colour filters work on 32-bit pixels as stored; every frame the
 // renderer sees is one, and anything else is brought to RGB32 first.
-QImage as32Bit(const QImage &image)
+void make32Bit(QImage &image)
 {
-    switch (image.format()) {
-    case QImage::Format_RGB32:
-    case QImage::Format_ARGB32:
-    case QImage::Format_ARGB32_Premultiplied:
-        return image.copy();
-    default:
-        return image.convertToFormat(QImage::Format_RGB32);
+    if (!is32Bit(image))
+        image.convertTo(QImage::Format_RGB32);
+}
+
+template<typename PerPixel>
+void forEachPixel(QImage &image, PerPixel perPixel)
+{
+    const int width = image.width();
+    for (int y = 0; y < image.height(); ++y) {
+        auto *line = reinterpret_cast<QRgb *>(image.scanLine(y));
+        for (int x = 0; x < width; ++x)
+            line[x] = perPixel(line[x]);
     }
+}
+
+// A translucent premultiplied pixel as Qt's own conversion to RGB32 reads it.
+// Frames are opaque; this is the rare way round.
+QRgb unpremultiplied(QRgb pixel)
+{
+    QImage one(1, 1, QImage::Format_ARGB32_Premultiplied);
+    one.setPixel(0, 0, pixel);
+    return one.convertToFormat(QImage::Format_RGB32).pixel(0, 0);
 }
 
 inline int pairIndex(int maximum, int minimum)
@@ -148,113 +135,236 @@ const PairTables &pairTables()
     return tables;
 }
 
-// The HSL hue in whole degrees as QColor computes it, -1 for a grey. The
-// single-precision steps are QColor's own, so the rounding is too.
-inline int hslHue(int red, int green, int blue)
+// A channel as QColor holds it in single precision.
+struct ChannelFloats
 {
-    const float r = float(red * 0x101) / 65535.0f;
-    const float g = float(green * 0x101) / 65535.0f;
-    const float b = float(blue * 0x101) / 65535.0f;
-    const float maximum = qMax(qMax(r, g), b);
-    const float minimum = qMin(qMin(r, g), b);
-    const float delta = maximum - minimum;
-    if (qFuzzyIsNull(delta))
-        return -1;
-    float hue;
-    if (qFuzzyCompare(r, maximum))
-        hue = (g - b) / delta;
-    else if (qFuzzyCompare(g, maximum))
-        hue = 2.0f + (b - r) / delta;
-    else
-        hue = 4.0f + (r - g) / delta;
+    std::array<float, 256> value {};
+    ChannelFloats()
+    {
+        for (int i = 0; i < 256; ++i)
+            value[i] = float(i * 0x101) / 65535.0f;
+    }
+};
+
+// The HSL hue in whole degrees as QColor computes it, for a colour that is
+// not grey. The single-precision steps are QColor's own, so the rounding is
+// too; for 8-bit channels its fuzzy comparison with the maximum is equality.
+// Which channel is largest is chosen by index, not by branch: in a noisy
+// picture it changes from pixel to pixel and mispredicts would dominate.
+inline int hslHue(int red, int green, int blue, int maximum, int minimum, const ChannelFloats &channel)
+{
+    const float r = channel.value[red], g = channel.value[green], b = channel.value[blue];
+    const float delta = channel.value[maximum] - channel.value[minimum];
+    const int which = red == maximum ? 0 : (green == maximum ? 1 : 2);
+    const float differences[3] = { g - b, b - r, r - g };
+    // 0.0f + x is x but for the sign of a zero, which the rounding below drops.
+    static constexpr float offsets[3] = { 0.0f, 2.0f, 4.0f };
+    float hue = offsets[which] + differences[which] / delta;
     hue *= 60.0f;
-    if (hue < 0.0f)
-        hue += 360.0f;
-    return qRound(hue * 100.0f) / 100;
+    hue += hue < 0.0f ? 360.0f : 0.0f;
+    // Never negative here, where qRound is this.
+    return int(hue * 100.0f + 0.5f) / 100;
 }
 
-// QColor::fromHsl(h, s, l) for every hue, saturation and lightness. Of the
-// three channels at a hue, those that equal the pure maximum or minimum
-// channel for every saturation and lightness share one table each; only the
-// channel that is mixed between them keeps a table of its own. Each table is
-// made by QColor, and the sharing is checked entry by entry while it is made.
-class HslTables
+// QColor::fromHsl(h, s, l).rgb() without the QColor: the same single-precision
+// steps in the same order, so the same rounding. What depends on the hue
+// alone (which of QColor's four cases each channel takes, and its factor) is
+// worked out once per hue; the 16- to 8-bit step is QColor's own, tabled.
+class HslToRgb
 {
 public:
-    enum Source : quint8 { Maximum, Minimum, Own };
-
-    HslTables()
+    HslToRgb()
     {
-        for (int s = 0; s < 256; ++s) {
-            for (int l = 0; l < 256; ++l) {
-                const QRgb rgb = QColor::fromHsl(0, s, l, 255).rgb();
-                maximum[index(s, l)] = quint8(qRed(rgb));
-                minimum[index(s, l)] = quint8(qGreen(rgb));
-            }
-        }
+        for (int v = 0; v < 256; ++v)
+            unit[v] = float(v * 0x101) / float(USHRT_MAX);
+        for (int v = 0; v < 65536; ++v)
+            eightBit[v] = quint8(QColor(QRgba64::fromRgba64(quint16(v), 0, 0, 0xffff)).red());
         for (int hue = 0; hue < 360; ++hue) {
-            std::array<std::vector<quint8>, 3> channels;
-            for (auto &channel : channels)
-                channel.resize(65536);
-            for (int s = 0; s < 256; ++s) {
-                for (int l = 0; l < 256; ++l) {
-                    const QRgb rgb = QColor::fromHsl(hue, s, l, 255).rgb();
-                    channels[0][index(s, l)] = quint8(qRed(rgb));
-                    channels[1][index(s, l)] = quint8(qGreen(rgb));
-                    channels[2][index(s, l)] = quint8(qBlue(rgb));
-                }
-            }
+            const float h = float(hue * 100) / 36000.0f;
+            const float temp3[3] = { h + (1.0f / 3.0f), h, h - (1.0f / 3.0f) };
             for (int c = 0; c < 3; ++c) {
-                if (std::equal(channels[c].begin(), channels[c].end(), maximum.begin())) {
-                    sources[hue][c] = Maximum;
-                } else if (std::equal(channels[c].begin(), channels[c].end(), minimum.begin())) {
-                    sources[hue][c] = Minimum;
+                float t = temp3[c];
+                if (t < 0.0f)
+                    t += 1.0f;
+                else if (t > 1.0f)
+                    t -= 1.0f;
+                const float sixTimes = t * 6.0f;
+                Channel &channel = channels[hue][c];
+                if (sixTimes < 1.0f) {
+                    channel = { Rising, sixTimes };
+                } else if (t * 2.0f < 1.0f) {
+                    channel = { Top, 0.0f };
+                } else if (t * 3.0f < 2.0f) {
+                    channel = { Falling, 2.0f / 3.0f - t };
                 } else {
-                    sources[hue][c] = Own;
-                    own[hue][c] = std::move(channels[c]);
+                    channel = { Bottom, 0.0f };
                 }
             }
         }
+        makeLayouts();
     }
 
-    static int index(int s, int l) { return (s << 8) | l; }
-
-    inline int channel(int hue, int c, int at) const
+    // For a chromatic colour with lightness above 0; at is saturation << 8 | lightness.
+    inline QRgb rgbAt(int hue, int at) const
     {
-        switch (sources[hue][c]) {
-        case Maximum:
-            return maximum[at];
-        case Minimum:
-            return minimum[at];
-        default:
-            return own[hue][c][at];
-        }
+        const Layout &layout = layouts[hue];
+        if (!layout.simple)
+            return rgb(hue, at >> 8, at & 0xff);
+        const float s = unit[at >> 8];
+        const float l = unit[at & 0xff];
+        const float temp2 = l < 0.5f ? l * (1.0f + s) : l + s - (l * s);
+        const float temp1 = (2.0f * l) - temp2;
+        const int mixed = value(channels[hue][layout.mixedChannel], temp1, temp2);
+        return 0xff000000u | (quint32(top[at]) << layout.topShift) | (quint32(bottom[at]) << layout.bottomShift)
+                | (quint32(mixed) << layout.mixedShift);
+    }
+
+    inline QRgb rgb(int hue, int saturation, int lightness) const
+    {
+        const float s = unit[saturation];
+        const float l = unit[lightness];
+        const float temp2 = l < 0.5f ? l * (1.0f + s) : l + s - (l * s);
+        const float temp1 = (2.0f * l) - temp2;
+        const auto &hueChannels = channels[hue];
+        return qRgb(value(hueChannels[0], temp1, temp2), value(hueChannels[1], temp1, temp2),
+                    value(hueChannels[2], temp1, temp2));
     }
 
 private:
-    std::array<quint8, 65536> maximum {};
-    std::array<quint8, 65536> minimum {};
-    std::array<std::array<Source, 3>, 360> sources {};
-    std::array<std::array<std::vector<quint8>, 3>, 360> own;
+    enum Case : quint8 { Rising, Top, Falling, Bottom };
+    struct Channel
+    {
+        Case kind = Bottom;
+        float factor = 0.0f;
+    };
+    // Most hues have one channel at the top, one at the bottom and one mixed
+    // between: the first two come from tables, only the third is computed.
+    struct Layout
+    {
+        bool simple = false;
+        int mixedChannel = 0;
+        int topShift = 0;
+        int bottomShift = 0;
+        int mixedShift = 0;
+    };
+
+    void makeLayouts()
+    {
+        for (int s = 0; s < 256; ++s) {
+            for (int l = 0; l < 256; ++l) {
+                const float fs = unit[s], fl = unit[l];
+                const float temp2 = fl < 0.5f ? fl * (1.0f + fs) : fl + fs - (fl * fs);
+                const float temp1 = (2.0f * fl) - temp2;
+                top[(s << 8) | l] = quint8(value({ Top, 0.0f }, temp1, temp2));
+                bottom[(s << 8) | l] = quint8(value({ Bottom, 0.0f }, temp1, temp2));
+            }
+        }
+        for (int hue = 0; hue < 360; ++hue) {
+            int tops = 0, bottoms = 0, mixed = 0;
+            Layout &layout = layouts[hue];
+            for (int c = 0; c < 3; ++c) {
+                const int shift = 16 - 8 * c;
+                switch (channels[hue][c].kind) {
+                case Top:
+                    ++tops;
+                    layout.topShift = shift;
+                    break;
+                case Bottom:
+                    ++bottoms;
+                    layout.bottomShift = shift;
+                    break;
+                default:
+                    ++mixed;
+                    layout.mixedChannel = c;
+                    layout.mixedShift = shift;
+                    break;
+                }
+            }
+            layout.simple = tops == 1 && bottoms == 1 && mixed == 1;
+        }
+    }
+
+    // Each of QColor's four cases computed the way it does it; the case is
+    // then picked by index rather than by branch.
+    inline int value(const Channel &channel, float temp1, float temp2) const
+    {
+        const float candidates[4] = { temp1 + (temp2 - temp1) * channel.factor, temp2,
+                                      temp1 + (temp2 - temp1) * channel.factor * 6.0f, temp1 };
+        // QColor's 16-bit value 1 becomes 0; both give 0 in eight bits.
+        return eightBit[qRound(candidates[channel.kind] * USHRT_MAX)];
+    }
+
+    std::array<float, 256> unit {};
+    std::array<quint8, 65536> eightBit {};
+    std::array<std::array<Channel, 3>, 360> channels {};
+    std::array<Layout, 360> layouts {};
+    std::array<quint8, 65536> top {};
+    std::array<quint8, 65536> bottom {};
 };
 
-const HslTables &hslTables()
+const HslToRgb &hslToRgb()
 {
-    static const HslTables tables;
-    return tables;
+    static const HslToRgb converter;
+    return converter;
 }
 } // namespace
 
-void warmUpColourTables()
+void applyTable(QImage &image, const Table &table)
 {
-    pairTables();
-    hslTables();
+    if (image.colorCount() > 0) {
+        QList<QRgb> colors = image.colorTable();
+        for (QRgb &color : colors)
+            color = qRgba(table[qRed(color)], table[qGreen(color)], table[qBlue(color)], 255);
+        image.setColorTable(colors);
+        return;
+    }
+    // The table placed at each channel's bits, so a pixel is three look-ups.
+    std::array<quint32, 256> red, green, blue;
+    for (int i = 0; i < 256; ++i) {
+        red[i] = 0xff000000u | (quint32(table[i]) << 16);
+        green[i] = quint32(table[i]) << 8;
+        blue[i] = quint32(table[i]);
+    }
+    const auto lookUp = [&](QRgb pixel) { return red[qRed(pixel)] | green[qGreen(pixel)] | blue[qBlue(pixel)]; };
+    if (image.format() == QImage::Format_ARGB32_Premultiplied) {
+        // Opaque pixels read the same premultiplied or not, so the conversion
+        // to RGB32 happens in the same pass; only others are unpremultiplied.
+        forEachPixel(image, [&](QRgb pixel) { return qAlpha(pixel) == 255 ? lookUp(pixel) : lookUp(unpremultiplied(pixel)); });
+        image.reinterpretAsFormat(QImage::Format_RGB32);
+        return;
+    }
+    if (image.format() == QImage::Format_ARGB32) {
+        forEachPixel(image, lookUp);
+        image.reinterpretAsFormat(QImage::Format_RGB32);
+        return;
+    }
+    if (image.format() != QImage::Format_RGB32)
+        image.convertTo(QImage::Format_RGB32);
+    forEachPixel(image, lookUp);
 }
 
-QImage hue(const QImage &image, int h)
+void applyBrightness(QImage &image, int value)
 {
-    // Every pixel takes the one hue and keeps its HSV saturation and value:
-    // the result depends on the largest and smallest channel alone.
+    applyTable(image, brightnessTable(value));
+}
+
+void applyContrast(QImage &image, int value)
+{
+    if (value == -100)
+        return;
+    // The first step away from 0 jumps to a factor of about 2; intended.
+    applyTable(image, contrastTable(value + 200));
+}
+
+void applyGamma(QImage &image, int value)
+{
+    applyTable(image, gammaTable(value + 100));
+}
+
+void applyHue(QImage &image, int h)
+{
+    // Every pixel takes the one hue and keeps its HSV saturation and value.
+    // Frames are painted on the GUI thread only; the table follows the value.
     const PairTables &pairs = pairTables();
     static int tableHue = -1;
     static std::array<QRgb, 65536> tinted;
@@ -267,94 +377,115 @@ QImage hue(const QImage &image, int h)
         }
         tableHue = h;
     }
-
-    QImage result = as32Bit(image);
-    for (int y = 0; y < result.height(); ++y) {
-        auto *line = reinterpret_cast<QRgb *>(result.scanLine(y));
-        for (int x = 0, width = result.width(); x < width; ++x) {
-            const int r = qRed(line[x]), g = qGreen(line[x]), b = qBlue(line[x]);
-            line[x] = tinted[pairIndex(qMax(qMax(r, g), b), qMin(qMin(r, g), b))];
-        }
-    }
-    return result;
+    make32Bit(image);
+    forEachPixel(image, [](QRgb pixel) {
+        const int r = qRed(pixel), g = qGreen(pixel), b = qBlue(pixel);
+        return tinted[pairIndex(qMax(qMax(r, g), b), qMin(qMin(r, g), b))];
+    });
 }
 
-QImage saturation(const QImage &image, int s)
+void applySaturation(QImage &image, int s)
 {
     const PairTables &pairs = pairTables();
-    const HslTables &hsl = hslTables();
-    // The new saturation and the lightness of each channel pair, packed as
-    // the index into the HSL tables.
+    const HslToRgb &hsl = hslToRgb();
+    static const ChannelFloats channel;
+    // Per channel pair: the new saturation and the lightness, packed as
+    // saturation << 8 | lightness. GUI thread only, like applyHue.
     static int tableShift = 0;
-    static std::array<quint16, 65536> target;
     static bool targetMade = false;
+    static std::array<quint16, 65536> target;
     if (!targetMade || tableShift != s) {
         for (int at = 0; at < 65536; ++at)
-            target[at] = quint16(HslTables::index(qBound(0, pairs.hslSaturation[at] + s, 255), pairs.lightness[at]));
+            target[at] = quint16((qBound(0, pairs.hslSaturation[at] + s, 255) << 8) | pairs.lightness[at]);
         tableShift = s;
         targetMade = true;
     }
-
-    QImage result = as32Bit(image);
-    for (int y = 0; y < result.height(); ++y) {
-        auto *line = reinterpret_cast<QRgb *>(result.scanLine(y));
-        for (int x = 0, width = result.width(); x < width; ++x) {
-            const int r = qRed(line[x]), g = qGreen(line[x]), b = qBlue(line[x]);
-            const int maximum = qMax(qMax(r, g), b);
-            const int minimum = qMin(qMin(r, g), b);
-            const int at = target[pairIndex(maximum, minimum)];
-            const int hue = maximum == minimum ? -1 : hslHue(r, g, b);
-            if (hue < 0 || (at >> 8) == 0) {
-                const int grey = at & 0xff;
-                line[x] = qRgb(grey, grey, grey);
-            } else {
-                line[x] = qRgb(hsl.channel(hue, 0, at), hsl.channel(hue, 1, at), hsl.channel(hue, 2, at));
-            }
+    make32Bit(image);
+    forEachPixel(image, [&hsl](QRgb pixel) {
+        const int r = qRed(pixel), g = qGreen(pixel), b = qBlue(pixel);
+        const int maximum = qMax(qMax(r, g), b);
+        const int minimum = qMin(qMin(r, g), b);
+        const int at = target[pairIndex(maximum, minimum)];
+        // A grey, a colour whose saturation drops to 0, or black keeps only
+        // its lightness.
+        if (maximum == minimum || at < 256 || (at & 0xff) == 0) {
+            const int grey = at & 0xff;
+            return qRgb(grey, grey, grey);
         }
-    }
-    return result;
+        return hsl.rgbAt(hslHue(r, g, b, maximum, minimum, channel), at);
+    });
 }
 
-QImage warmth(const QImage &image, int w)
+void applyWarmth(QImage &image, int w)
 {
-    Table shifted;
-    for (int i = 0; i < 256; ++i)
-        shifted[i] = qBound(0, i + w, 255);
-    const QImage source = as32Bit(image);
-    QImage result(source.size(), QImage::Format_ARGB32);
-    for (int y = 0; y < source.height(); ++y) {
-        const auto *in = reinterpret_cast<const QRgb *>(source.constScanLine(y));
-        auto *out = reinterpret_cast<QRgb *>(result.scanLine(y));
-        // Blue is left alone on purpose: warmer toward yellow, cooler away.
-        for (int x = 0, width = source.width(); x < width; ++x)
-            out[x] = qRgba(shifted[qRed(in[x])], shifted[qGreen(in[x])], qBlue(in[x]), 255);
+    std::array<quint32, 256> red, green;
+    for (int i = 0; i < 256; ++i) {
+        red[i] = 0xff000000u | (quint32(qBound(0, i + w, 255)) << 16);
+        green[i] = quint32(qBound(0, i + w, 255)) << 8;
     }
-    return result;
+    make32Bit(image);
+    // Blue is left alone on purpose: warmer toward yellow, cooler away.
+    forEachPixel(image, [&](QRgb pixel) { return red[qRed(pixel)] | green[qGreen(pixel)] | quint32(qBlue(pixel)); });
 }
 
-QImage adjust(const QImage &image, const PictureAdjustments &values)
+void adjust(QImage &image, const PictureAdjustments &values)
 {
-    QImage result = image;
     if (values.brightness)
-        result = brightness(result, values.brightness);
+        applyBrightness(image, values.brightness);
     if (values.contrast)
-        result = contrast(result, values.contrast);
+        applyContrast(image, values.contrast);
     if (values.gamma)
-        result = gamma(result, values.gamma);
+        applyGamma(image, values.gamma);
     if (values.hue)
-        result = hue(result, values.hue);
+        applyHue(image, values.hue);
     if (values.saturation)
-        result = saturation(result, values.saturation);
+        applySaturation(image, values.saturation);
     if (values.whiteBalance)
-        result = warmth(result, values.whiteBalance);
+        applyWarmth(image, values.whiteBalance);
     // Backlight, gain and exposure reuse the brightness step and stack.
     if (values.backlight)
-        result = brightness(result, values.backlight);
+        applyBrightness(image, values.backlight);
     if (values.gain)
-        result = brightness(result, values.gain);
+        applyBrightness(image, values.gain);
     if (values.exposure)
-        result = brightness(result, values.exposure);
+        applyBrightness(image, values.exposure);
+}
+
+namespace {
+template<typename Apply>
+QImage onCopy(const QImage &image, int value, Apply apply)
+{
+    QImage result = image.copy();
+    apply(result, value);
     return result;
+}
+}
+
+QImage brightness(const QImage &image, int value) { return onCopy(image, value, applyBrightness); }
+QImage contrast(const QImage &image, int value) { return onCopy(image, value, applyContrast); }
+QImage gamma(const QImage &image, int value) { return onCopy(image, value, applyGamma); }
+QImage hue(const QImage &image, int h) { return onCopy(image, h, applyHue); }
+QImage saturation(const QImage &image, int s) { return onCopy(image, s, applySaturation); }
+QImage warmth(const QImage &image, int w) { return onCopy(image, w, applyWarmth); }
+
+QImage adjusted(const QImage &image, const PictureAdjustments &values)
+{
+    QImage result = image.copy();
+    adjust(result, values);
+    return result;
+}
+
+void warmUpColourTables()
+{
+    pairTables();
+    hslToRgb();
+}
+
+QRgb hslToRgb(int hue, int saturation, int lightness)
+{
+    if (hue < 0 || saturation == 0 || lightness == 0)
+        return QColor::fromHsl(hue, saturation, lightness, 255).rgb();
+    return hslToRgb().rgb(hue % 360, saturation, lightness);
 }
 
 QRect targetRect(const QSize &widget)

@@ -33,23 +33,38 @@ using Table = std::array<int, 256>;
 Table brightnessTable(int value);
 Table contrastTable(int factor);
 Table gammaTable(int g);
-QImage applyTable(const QImage &image, const Table &table);
 
-QImage brightness(const QImage &image, int value);
-// The slider value, not the factor: -100 copies, anything else uses value + 200.
-QImage contrast(const QImage &image, int value);
+// The filters work in place on an image the caller owns, so that a frame
+// costs no further 8 MB allocations: fresh memory is slow to fault in.
+void applyTable(QImage &image, const Table &table);
+void applyBrightness(QImage &image, int value);
+// The slider value, not the factor: -100 leaves the picture, anything else
+// uses value + 200.
+void applyContrast(QImage &image, int value);
 // The slider value, not g: g is value + 100.
+void applyGamma(QImage &image, int value);
+void applyHue(QImage &image, int h);
+void applySaturation(QImage &image, int s);
+void applyWarmth(QImage &image, int w);
+// All non-zero adjustments in their fixed order.
+void adjust(QImage &image, const PictureAdjustments &values);
+
+// The same, on a copy.
+QImage brightness(const QImage &image, int value);
+QImage contrast(const QImage &image, int value);
 QImage gamma(const QImage &image, int value);
+QImage hue(const QImage &image, int h);
+QImage saturation(const QImage &image, int s);
+QImage warmth(const QImage &image, int w);
+QImage adjusted(const QImage &image, const PictureAdjustments &values);
+
 // Hue and saturation build their tables on first use; this builds them ahead
 // so that the first adjusted frame does not wait. Safe from any thread.
 void warmUpColourTables();
 
-QImage hue(const QImage &image, int h);
-QImage saturation(const QImage &image, int s);
-QImage warmth(const QImage &image, int w);
-
-// All non-zero adjustments in their fixed order.
-QImage adjust(const QImage &image, const PictureAdjustments &values);
+// QColor::fromHsl(hue, saturation, lightness, 255).rgb(), as the saturation
+// filter computes it.
+QRgb hslToRgb(int hue, int saturation, int lightness);
 
 // The centred 16:9 rectangle of a widget of this size.
 QRect targetRect(const QSize &widget);

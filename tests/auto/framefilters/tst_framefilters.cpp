@@ -117,6 +117,25 @@ private slots:
         QVERIFY2(difference.isEmpty(), qPrintable(difference));
     }
 
+    // The saturation filter's HSL to RGB step against QColor, for every
+    // hue, saturation and lightness.
+    void hslToRgbMatchesQColor()
+    {
+        QStringList wrong;
+        for (int hue = -1; hue < 360; ++hue) {
+            for (int saturation = 0; saturation < 256; ++saturation) {
+                for (int lightness = 0; lightness < 256; ++lightness) {
+                    const QRgb expected = QColor::fromHsl(hue, saturation, lightness, 255).rgb();
+                    const QRgb actual = FrameFilters::hslToRgb(hue, saturation, lightness);
+                    if (actual != expected && wrong.size() < 5)
+                        wrong << QStringLiteral("hsl(%1,%2,%3): %4 not %5").arg(hue).arg(saturation).arg(lightness)
+                                         .arg(actual, 8, 16).arg(expected, 8, 16);
+                }
+            }
+        }
+        QVERIFY2(wrong.isEmpty(), qPrintable(wrong.join(QStringLiteral("; "))));
+    }
+
     void everySliderValue_data()
     {
         QTest::addColumn<int>("filter");
@@ -164,6 +183,28 @@ private slots:
         }
     }
 
+    // Frames are opaque, but a premultiplied picture with any alpha must
+    // still come out as the reference's conversion makes it.
+    void translucentPremultipliedPictures()
+    {
+        QImage image(256, 64, QImage::Format_ARGB32);
+        quint32 seed = 7;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                seed = seed * 1664525u + 1013904223u;
+                image.setPixel(x, y, qRgba(x, (seed >> 8) & 0xff, (seed >> 16) & 0xff, y * 4 + (x & 3)));
+            }
+        }
+        for (const QImage &picture : { image, image.convertToFormat(QImage::Format_ARGB32_Premultiplied) }) {
+            for (const FilterPair &filter : filters) {
+                const int value = filter.to;
+                const QString difference = firstDifference(picture, filter.fast(picture, value), filter.reference(picture, value));
+                QVERIFY2(difference.isEmpty(), qPrintable(QStringLiteral("%1 on format %2: %3").arg(filter.name)
+                                                                  .arg(int(picture.format())).arg(difference)));
+            }
+        }
+    }
+
     void chainMatchesTheReferenceChain()
     {
         const QImage sample = ReferenceFilters::colourCube(9);
@@ -189,9 +230,9 @@ private slots:
         reference = ReferenceFilters::brightness(reference, 1);
         reference = ReferenceFilters::brightness(reference, 5);
         reference = ReferenceFilters::brightness(reference, -7);
-        const QString difference = firstDifference(sample, FrameFilters::adjust(sample, values), reference);
+        const QString difference = firstDifference(sample, FrameFilters::adjusted(sample, values), reference);
         QVERIFY2(difference.isEmpty(), qPrintable(difference));
-        QCOMPARE(FrameFilters::adjust(sample, PictureAdjustments()), sample);
+        QCOMPARE(FrameFilters::adjusted(sample, PictureAdjustments()), sample);
     }
 
     void filterEdges_data()
