@@ -332,6 +332,45 @@ private slots:
         saveScreenshot(window, QStringLiteral("live-filters"));
     }
 
+    // Every state at both sizes; the pictures are for people to look at.
+    void screenshotsOfEveryState()
+    {
+        if (qEnvironmentVariableIsEmpty("ORVIX_SCREENSHOT_DIR"))
+            QSKIP("set ORVIX_SCREENSHOT_DIR to keep the screenshots");
+        for (const QSize &size : { QSize(1280, 720), QSize(1920, 1080) }) {
+            const QString suffix = QStringLiteral("-%1x%2").arg(size.width()).arg(size.height());
+            devices.setCameras({});
+            waitForCameras({});
+            {
+                MainWindow waiting;
+                waiting.resize(size);
+                waiting.show();
+                QVERIFY(QTest::qWaitForWindowExposed(&waiting));
+                QTest::qWait(300);
+                saveScreenshot(waiting, QStringLiteral("invalid") + suffix);
+            }
+            devices.setCameras({ VirtualDevices::cameraLine(fullHd) });
+            waitForCameras({ fullHd });
+            MainWindow window;
+            window.resize(size);
+            window.show();
+            QVERIFY(QTest::qWaitForWindowExposed(&window));
+            QTRY_VERIFY_WITH_TIMEOUT(showsPicture(window), 5000);
+            // The window's own grab must show the picture too, not only the view's.
+            auto *view = window.findChild<OrvixVideoWidget *>(QStringLiteral("CameraViewfinder"));
+            const QPoint centre = view->mapTo(&window, view->rect().center());
+            QTRY_VERIFY_WITH_TIMEOUT(window.grab().toImage().pixel(centre) != qRgb(34, 34, 34), 5000);
+            saveScreenshot(window, QStringLiteral("idle") + suffix);
+            window.setupRecordingUIState();
+            QTest::qWait(300);
+            saveScreenshot(window, QStringLiteral("recording") + suffix);
+            window.setupMediaUIState();
+            window.findChild<QStackedWidget *>(QStringLiteral("StackedPlayersWidget"))->setCurrentIndex(3);
+            QTest::qWait(100);
+            saveScreenshot(window, QStringLiteral("media") + suffix);
+        }
+    }
+
 private:
     void saveScreenshot(MainWindow &window, const QString &name)
     {
