@@ -322,6 +322,8 @@ void MainWindow::setupInformationPanel()
     body->setStyleSheet(QStringLiteral("QFrame#InformationBodyFrame {background-color: rgb(70, 70, 70); }"));
     body->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Maximum);
     auto *grid = new QGridLayout(body);
+    grid->setSpacing(0);
+    grid->setContentsMargins(0, 0, 0, 0);
 
     const QStringList labels { QStringLiteral("Date"), QStringLiteral("*File Name"), QStringLiteral("Doctor Name"),
                                QStringLiteral("Patient Name"), QStringLiteral("Hospital Name"), QStringLiteral("Comment") };
@@ -367,7 +369,6 @@ void MainWindow::setupFilePreviewPanel()
             "QFrame#FilePreviewHeaderFrame {background-image: url(:/res/FilePreviewPanel/header_background.png);"
             "background-repeat: repeat-x;background-position: top left; }"));
     auto *headerLayout = hbox(QStringLiteral("FilePreviewHeaderFrameLayout"), header);
-    headerLayout->setContentsMargins(5, 2, 0, 0);
     auto *title = new QLabel(QStringLiteral("File Preview"), header);
     title->setObjectName(QStringLiteral("FilePreviewTitleLabel"));
     title->setStyleSheet(QStringLiteral("QLabel#FilePreviewTitleLabel {padding-top: -2px; color: white; }"));
@@ -394,8 +395,8 @@ void MainWindow::setupFilePreviewPanel()
 
     auto *storageRow = new QWidget(body);
     auto *storageLayout = new QHBoxLayout(storageRow);
+    // The storage row and the rest of this body keep Qt's default spacing.
     storageLayout->setObjectName(QStringLiteral("StorageBrowseWidgetLayout"));
-    storageLayout->setContentsMargins(0, 0, 0, 0);
     auto *storageLabel = new QLabel(QStringLiteral("Storage"), storageRow);
     storageLabel->setObjectName(QStringLiteral("StorageLabel"));
     storageLabel->setStyleSheet(QStringLiteral("QLabel#StorageLabel {color: white; }"));
@@ -441,7 +442,6 @@ void MainWindow::setupFilePreviewPanel()
     auto *shortCuts = new QWidget(body);
     auto *shortCutsLayout = new QHBoxLayout(shortCuts);
     shortCutsLayout->setObjectName(QStringLiteral("ShortCutsWidgetLayout"));
-    shortCutsLayout->setContentsMargins(0, 0, 0, 0);
     movieFolderButton = new QPushButton(QStringLiteral("Movie Folder"), shortCuts);
     movieFolderButton->setObjectName(QStringLiteral("MovieLocationButton"));
     movieFolderButton->setStyleSheet(PanelStyles::folderButton(movieFolderButton->objectName(),
