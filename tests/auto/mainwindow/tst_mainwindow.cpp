@@ -14,6 +14,7 @@
 #include <QTextEdit>
 
 #include "app/settingskeys.h"
+#include "app/startupgeometry.h"
 #include "mainwindow/mainwindow.h"
 #include "mainwindow/sizelimit.h"
 #include "orvixtest.h"
@@ -421,6 +422,26 @@ private slots:
         QCOMPARE(triggered.size(), 1);
         if (key == QKeySequence(Qt::Key_F1))
             QVERIFY(actionWithTip(window, "Start recording")->isEnabled());
+    }
+
+    void startupPlacement_data()
+    {
+        QTest::addColumn<QSize>("screen");
+        QTest::addColumn<QSize>("window");
+        QTest::addColumn<QPoint>("position");
+        QTest::addRow("centred") << QSize(1920, 1080) << QSize(1280, 760) << QPoint(320, 160);
+        QTest::addRow("odd difference truncates") << QSize(1921, 1081) << QSize(1280, 760) << QPoint(320, 160);
+        QTest::addRow("larger than the screen: negative") << QSize(1280, 720) << QSize(1401, 761) << QPoint(-60, -20);
+    }
+
+    // Sizes alone decide; a screen that starts at (1920, 0) is placed as if at 0.
+    void startupPlacement()
+    {
+        QFETCH(QSize, screen);
+        QFETCH(QSize, window);
+        QFETCH(QPoint, position);
+        QCOMPARE(StartupGeometry::windowPosition(screen, window), position);
+        QCOMPARE(StartupGeometry::splashPosition(position), position + QPoint(100, 100));
     }
 
     void menusInOrder()
