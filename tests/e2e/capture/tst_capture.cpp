@@ -64,10 +64,38 @@ QImage livePicture(MainWindow &window)
     return whole.copy(FrameFilters::targetRect(whole.size()));
 }
 
+bool showsPicture(const QImage &picture)
+{
+    return !picture.isNull() && picture.pixel(picture.width() / 2, picture.height() / 4) != qRgb(0, 0, 0);
+}
+
 bool showsPicture(MainWindow &window)
 {
-    const QImage picture = livePicture(window);
-    return !picture.isNull() && picture.pixel(picture.width() / 2, picture.height() / 4) != qRgb(0, 0, 0);
+    return showsPicture(livePicture(window));
+}
+
+// The camera restarts once when its format is applied after it started, and
+// the view has no frame for a moment: a picture counts once it has stayed.
+QImage settledPicture(MainWindow &window)
+{
+    QImage picture;
+    QTest::qWaitFor([&] {
+        if (!showsPicture(window))
+            return false;
+        QTest::qWait(500);
+        picture = livePicture(window);
+        return showsPicture(picture);
+    }, 10000);
+    return picture;
+}
+
+// Two pictures a little apart that both show the camera's frame and differ.
+bool pictureMoves(MainWindow &window)
+{
+    const QImage first = settledPicture(window);
+    QTest::qWait(300);
+    const QImage second = livePicture(window);
+    return showsPicture(first) && showsPicture(second) && first != second;
 }
 
 // Runs the watchdog once and records its signals in order.
@@ -186,10 +214,7 @@ private slots:
         QVERIFY(window.rotationActionList().first()->isChecked());
 
         // The live view moves.
-        QTRY_VERIFY_WITH_TIMEOUT(showsPicture(window), 5000);
-        const QImage first = livePicture(window);
-        QTest::qWait(400);
-        QVERIFY(livePicture(window) != first);
+        QTRY_VERIFY_WITH_TIMEOUT(pictureMoves(window), 15000);
 
         saveScreenshot(window, QStringLiteral("live"));
     }
@@ -316,16 +341,16 @@ private slots:
         MainWindow window;
         window.show();
         QVERIFY(QTest::qWaitForWindowExposed(&window));
-        QTRY_VERIFY_WITH_TIMEOUT(showsPicture(window), 5000);
-        const QImage plain = livePicture(window);
+        const QImage plain = settledPicture(window);
+        QVERIFY(showsPicture(plain));
         window.setBrightness(20);
         window.setContrast(-150);
         window.setGamma(-20);
         window.setStaturation(-40);
         window.setWhiteBal(20);
         window.rotationMirror();
-        QTest::qWait(300);
-        const QImage adjusted = livePicture(window);
+        QImage adjusted;
+        QTRY_VERIFY_WITH_TIMEOUT(showsPicture(adjusted = livePicture(window)), 5000);
         QCOMPARE(adjusted.size(), plain.size());
         // Warmer and paler: more red than blue where the plain picture is grey.
         QVERIFY(adjusted != plain);
