@@ -64,6 +64,7 @@ MainWindow::MainWindow(QWidget *parent)
 
 MainWindow::~MainWindow()
 {
+    releaseVideoOutput();
     delete recorder;
     recorder = nullptr;
     delete imageCapture;
@@ -88,6 +89,15 @@ QSize MainWindow::initialSize() const
     const QSize preferred(1280, 760);
     const QScreen *screen = QGuiApplication::primaryScreen();
     return screen ? preferred.boundedTo(screen->availableSize()) : preferred;
+}
+
+void MainWindow::releaseVideoOutput()
+{
+    // A sink whose start timed out while this thread was busy waits for the
+    // pipeline to play, holding up the camera's streaming thread; taking
+    // the camera down then waits on that thread for ever. Detaching the
+    // video output first lets the sink go and the streaming thread finish.
+    captureSession.setVideoSink(nullptr);
 }
 
 void MainWindow::readSettings()

@@ -171,6 +171,7 @@ protected:
 private:
     // mainwindow.cpp: construction steps that other files fill
     QSize initialSize() const;
+    void releaseVideoOutput();
     void readSettings();
     void fillRecognisedDevices();
     void startDeviceWatchDog();

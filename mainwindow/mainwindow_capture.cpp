@@ -81,6 +81,7 @@ void MainWindow::cameraDropped(QList<QCameraDevice> droppedCameras)
         recorder = nullptr;
         delete imageCapture;
         imageCapture = nullptr;
+        releaseVideoOutput();
         camera->setActive(false);
         delete camera;
         camera = nullptr;
