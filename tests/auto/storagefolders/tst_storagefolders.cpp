@@ -94,15 +94,6 @@ private slots:
         QFile::remove(blocker);
     }
 
-    void documentsElsewhereAreFollowed()
-    {
-        const QString elsewhere = devices.home() + QStringLiteral("/Papers");
-        setDocuments(elsewhere);
-        QVERIFY(StorageFolders::initialize());
-        QCOMPARE(QSettings().value(SettingsKeys::storageLocation).toString(), StoragePaths::join(elsewhere, QStringLiteral("Orvix")));
-        QVERIFY(QFileInfo(elsewhere + QStringLiteral("/Orvix/Movie")).isDir());
-    }
-
     void freeSpacePercent_data()
     {
         QTest::addColumn<qint64>("available");

@@ -1,11 +1,10 @@
-// The waiting screen's pulse, the animation label's frame arithmetic, the
-// live view's 16:9 rectangle and its widget set-up.
+// The waiting screen's pulse, the animation label's frame arithmetic and
+// the live view's 16:9 rectangle.
 #include <QLabel>
 
 #include "orvixtest.h"
 #include "widgets/animationlabel.h"
 #include "widgets/framefilters.h"
-#include "widgets/orvixvideowidget.h"
 #include "widgets/waitingforcamerawidget.h"
 
 class tst_Widgets : public QObject
@@ -176,19 +175,6 @@ private slots:
         QFETCH(QSize, widget);
         QFETCH(QRect, target);
         QCOMPARE(FrameFilters::targetRect(widget), target);
-    }
-
-    void videoWidgetSetUp()
-    {
-        OrvixVideoWidget widget(nullptr);
-        QCOMPARE(widget.sizeHint(), QSize(640, 480));
-        QVERIFY(widget.testAttribute(Qt::WA_NoSystemBackground));
-        QVERIFY(!widget.autoFillBackground());
-        QCOMPARE(widget.palette().color(QPalette::Window), QColor(Qt::black));
-        QCOMPARE(widget.sizePolicy().horizontalPolicy(), QSizePolicy::MinimumExpanding);
-        widget.snapShot();
-        widget.updateLiveThumbnail();
-        QVERIFY(widget.isSnapshotRequested() && widget.isLiveThumbnailRequested());
     }
 };
 
