@@ -18,20 +18,10 @@ class tst_StorageFolders : public QObject
 public:
     explicit tst_StorageFolders(VirtualDevices &devices) : devices(devices) { }
 
-private:
-    // Points the documents folder somewhere else, as the desktop's user dirs do.
-    void setDocuments(const QString &path)
-    {
-        QFile dirs(devices.configHome() + QStringLiteral("/user-dirs.dirs"));
-        QVERIFY(dirs.open(QIODevice::WriteOnly));
-        dirs.write(QStringLiteral("XDG_DOCUMENTS_DIR=\"%1\"\n").arg(path).toUtf8());
-    }
-
 private slots:
     void init()
     {
         QSettings().clear();
-        QFile::remove(devices.configHome() + QStringLiteral("/user-dirs.dirs"));
         QDir(devices.documents() + QStringLiteral("/Orvix")).removeRecursively();
     }
 
