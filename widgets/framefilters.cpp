@@ -175,8 +175,6 @@ class HslToRgb
 public:
     HslToRgb()
     {
-        for (int v = 0; v < 256; ++v)
-            unit[v] = float(v * 0x101) / float(USHRT_MAX);
         for (int v = 0; v < 65536; ++v)
             eightBit[v] = quint8(QColor(QRgba64::fromRgba64(quint16(v), 0, 0, 0xffff)).red());
         for (int hue = 0; hue < 360; ++hue) {
@@ -210,28 +208,30 @@ public:
         const Layout &layout = layouts[hue];
         if (!layout.simple)
             return rgb(hue, at >> 8, at & 0xff);
-        const float s = unit[at >> 8];
-        const float l = unit[at & 0xff];
-        const float temp2 = l < 0.5f ? l * (1.0f + s) : l + s - (l * s);
-        const float temp1 = (2.0f * l) - temp2;
-        const int mixed = value(channels[hue][layout.mixedChannel], temp1, temp2);
+        const Bounds bounds = boundsOf(at >> 8, at & 0xff);
+        const int mixed = value(channels[hue][layout.mixedChannel], bounds);
         return 0xff000000u | (quint32(top[at]) << layout.topShift) | (quint32(bottom[at]) << layout.bottomShift)
                 | (quint32(mixed) << layout.mixedShift);
     }
 
     inline QRgb rgb(int hue, int saturation, int lightness) const
     {
-        const float s = unit[saturation];
-        const float l = unit[lightness];
-        const float temp2 = l < 0.5f ? l * (1.0f + s) : l + s - (l * s);
-        const float temp1 = (2.0f * l) - temp2;
+        const Bounds bounds = boundsOf(saturation, lightness);
         const auto &hueChannels = channels[hue];
-        return qRgb(value(hueChannels[0], temp1, temp2), value(hueChannels[1], temp1, temp2),
-                    value(hueChannels[2], temp1, temp2));
+        return qRgb(value(hueChannels[0], bounds), value(hueChannels[1], bounds), value(hueChannels[2], bounds));
     }
+
+    // The channels in single precision, as QColor holds them.
+    const ChannelFloats channel;
 
 private:
     enum Case : quint8 { Rising, Top, Falling, Bottom };
+    // QColor's temp1 and temp2: the lowest and highest a channel can be.
+    struct Bounds
+    {
+        float low;
+        float high;
+    };
     struct Channel
     {
         Case kind = Bottom;
@@ -252,11 +252,9 @@ private:
     {
         for (int s = 0; s < 256; ++s) {
             for (int l = 0; l < 256; ++l) {
-                const float fs = unit[s], fl = unit[l];
-                const float temp2 = fl < 0.5f ? fl * (1.0f + fs) : fl + fs - (fl * fs);
-                const float temp1 = (2.0f * fl) - temp2;
-                top[(s << 8) | l] = quint8(value({ Top, 0.0f }, temp1, temp2));
-                bottom[(s << 8) | l] = quint8(value({ Bottom, 0.0f }, temp1, temp2));
+                const Bounds bounds = boundsOf(s, l);
+                top[(s << 8) | l] = quint8(value({ Top, 0.0f }, bounds));
+                bottom[(s << 8) | l] = quint8(value({ Bottom, 0.0f }, bounds));
             }
         }
         for (int hue = 0; hue < 360; ++hue) {
@@ -284,17 +282,25 @@ private:
         }
     }
 
+    inline Bounds boundsOf(int saturation, int lightness) const
+    {
+        const float s = channel.value[saturation];
+        const float l = channel.value[lightness];
+        const float temp2 = l < 0.5f ? l * (1.0f + s) : l + s - (l * s);
+        return { (2.0f * l) - temp2, temp2 };
+    }
+
     // Each of QColor's four cases computed the way it does it; the case is
     // then picked by index rather than by branch.
-    inline int value(const Channel &channel, float temp1, float temp2) const
+    inline int value(const Channel &channel, Bounds bounds) const
     {
+        const float temp1 = bounds.low, temp2 = bounds.high;
         const float candidates[4] = { temp1 + (temp2 - temp1) * channel.factor, temp2,
                                       temp1 + (temp2 - temp1) * channel.factor * 6.0f, temp1 };
         // QColor's 16-bit value 1 becomes 0; both give 0 in eight bits.
         return eightBit[qRound(candidates[channel.kind] * USHRT_MAX)];
     }
 
-    std::array<float, 256> unit {};
     std::array<quint8, 65536> eightBit {};
     std::array<std::array<Channel, 3>, 360> channels {};
     std::array<Layout, 360> layouts {};
@@ -388,7 +394,6 @@ void applySaturation(QImage &image, int s)
 {
     const PairTables &pairs = pairTables();
     const HslToRgb &hsl = hslToRgb();
-    static const ChannelFloats channel;
     // Per channel pair: the new saturation and the lightness, packed as
     // saturation << 8 | lightness. GUI thread only, like applyHue.
     static int tableShift = 0;
@@ -412,7 +417,7 @@ void applySaturation(QImage &image, int s)
             const int grey = at & 0xff;
             return qRgb(grey, grey, grey);
         }
-        return hsl.rgbAt(hslHue(r, g, b, maximum, minimum, channel), at);
+        return hsl.rgbAt(hslHue(r, g, b, maximum, minimum, hsl.channel), at);
     });
 }
 
