@@ -49,6 +49,15 @@ QVBoxLayout *vbox(const QString &name, QWidget *on)
 
 const QString lightText = QStringLiteral("rgb(192,192,192)");
 const QString dimText = QStringLiteral("rgb(96,96,96)");
+
+// Most image buttons write light grey and grey out when disabled.
+PanelStyles::ImageButton labelledButton(const QString &objectName, const QString &stem)
+{
+    PanelStyles::ImageButton button = PanelStyles::imageButton(objectName, stem);
+    button.textColor = lightText;
+    button.disabledTextColor = dimText;
+    return button;
+}
 }
 
 void MainWindow::setupCentralLayout()
@@ -145,8 +154,7 @@ void MainWindow::setupControlPanel()
     resolutionButton->setFlat(true);
     resolutionButton->setAttribute(Qt::WA_LayoutUsesWidgetRect);
     resolutionButton->setText(QStringLiteral("Resolution"));
-    auto resolutionStyle = PanelStyles::imageButton(resolutionButton->objectName(), QStringLiteral("ControlPanel/button_resolution"));
-    resolutionStyle.textColor = lightText;
+    auto resolutionStyle = labelledButton(resolutionButton->objectName(), QStringLiteral("ControlPanel/button_resolution"));
     resolutionStyle.disabledTextColor = QStringLiteral("gray");
     resolutionStyle.extra = QStringLiteral("padding-left: 12px;");
     resolutionStyle.hideMenuIndicator = true;
@@ -157,9 +165,7 @@ void MainWindow::setupControlPanel()
     rotationButton->setFlat(true);
     rotationButton->setAttribute(Qt::WA_LayoutUsesWidgetRect);
     rotationButton->setText(QStringLiteral("Rotation"));
-    auto rotationStyle = PanelStyles::imageButton(rotationButton->objectName(), QStringLiteral("ControlPanel/button_rotation"));
-    rotationStyle.textColor = lightText;
-    rotationStyle.disabledTextColor = dimText;
+    auto rotationStyle = labelledButton(rotationButton->objectName(), QStringLiteral("ControlPanel/button_rotation"));
     rotationStyle.extra = QStringLiteral("padding-left: 10px;");
     rotationStyle.hideMenuIndicator = true;
     rotationButton->setStyleSheet(PanelStyles::styleSheet(rotationStyle));
@@ -211,9 +217,7 @@ void MainWindow::setupControlPanel()
     liveButton->setFlat(true);
     liveButton->setAttribute(Qt::WA_LayoutUsesWidgetRect);
     liveButton->setText(QStringLiteral("Live"));
-    auto liveStyle = PanelStyles::imageButton(liveButton->objectName(), QStringLiteral("ControlPanel/button_live"));
-    liveStyle.textColor = lightText;
-    liveStyle.disabledTextColor = dimText;
+    auto liveStyle = labelledButton(liveButton->objectName(), QStringLiteral("ControlPanel/button_live"));
     liveStyle.extra = QStringLiteral("padding-left: 24px;");
     liveButton->setStyleSheet(PanelStyles::styleSheet(liveStyle));
     connect(liveButton, &QPushButton::clicked, this, &MainWindow::liveSetup);
@@ -239,12 +243,10 @@ void MainWindow::setupVolumeFrame()
     muteButton->setAttribute(Qt::WA_LayoutUsesWidgetRect);
     muteButton->setCheckable(true);
     muteButton->setFlat(true);
-    auto muteStyle = PanelStyles::imageButton(muteButton->objectName(), QStringLiteral("ControlPanel/button_volume"));
+    auto muteStyle = labelledButton(muteButton->objectName(), QStringLiteral("ControlPanel/button_volume"));
     muteStyle.checkedNormal = QStringLiteral("ControlPanel/button_muted_normal.png");
     muteStyle.checkedHover = QStringLiteral("ControlPanel/button_muted_hover.png");
     muteStyle.checkedDisabled = QStringLiteral("ControlPanel/button_muted_disabled.png");
-    muteStyle.textColor = lightText;
-    muteStyle.disabledTextColor = dimText;
     muteButton->setStyleSheet(PanelStyles::styleSheet(muteStyle));
     connect(muteButton, &QPushButton::clicked, this, &MainWindow::muteChanged);
     layout->addWidget(muteButton);
@@ -296,21 +298,17 @@ void MainWindow::setupInformationPanel()
     informationEditButton = fixedButton(QStringLiteral("InformationEditButton"), QSize(23, 23), header);
     informationEditButton->setCheckable(true);
     informationEditButton->setFlat(true);
-    auto editStyle = PanelStyles::imageButton(informationEditButton->objectName(), QStringLiteral("InformationPanel/button_edit"));
+    auto editStyle = labelledButton(informationEditButton->objectName(), QStringLiteral("InformationPanel/button_edit"));
     editStyle.checkedNormal = QStringLiteral("InformationPanel/button_save_normal.png");
     editStyle.checkedHover = QStringLiteral("InformationPanel/button_save_hover.png");
     editStyle.checkedDisabled = QStringLiteral("InformationPanel/button_save_disabled.png");
-    editStyle.textColor = lightText;
-    editStyle.disabledTextColor = dimText;
     editStyle.centred = true;
     informationEditButton->setStyleSheet(PanelStyles::styleSheet(editStyle));
     connect(informationEditButton, &QPushButton::clicked, this, &MainWindow::toggleInformationEdit);
     headerLayout->addWidget(informationEditButton);
 
     informationRefreshButton = fixedButton(QStringLiteral("InformationRefreshButton"), QSize(23, 23), header);
-    auto refreshStyle = PanelStyles::imageButton(informationRefreshButton->objectName(), QStringLiteral("InformationPanel/button_refresh"));
-    refreshStyle.textColor = lightText;
-    refreshStyle.disabledTextColor = dimText;
+    auto refreshStyle = labelledButton(informationRefreshButton->objectName(), QStringLiteral("InformationPanel/button_refresh"));
     refreshStyle.centred = true;
     informationRefreshButton->setStyleSheet(PanelStyles::styleSheet(refreshStyle));
     connect(informationRefreshButton, &QPushButton::clicked, this, &MainWindow::rollbackInformation);
@@ -377,9 +375,7 @@ void MainWindow::setupFilePreviewPanel()
     headerLayout->addStretch();
     removeFileButton = fixedButton(QStringLiteral("FilePreviewRemoveButton"), QSize(23, 23), header);
     removeFileButton->setAttribute(Qt::WA_LayoutUsesWidgetRect);
-    auto removeStyle = PanelStyles::imageButton(removeFileButton->objectName(), QStringLiteral("FilePreviewPanel/button_remove"));
-    removeStyle.textColor = lightText;
-    removeStyle.disabledTextColor = dimText;
+    auto removeStyle = labelledButton(removeFileButton->objectName(), QStringLiteral("FilePreviewPanel/button_remove"));
     removeStyle.centred = true;
     removeFileButton->setStyleSheet(PanelStyles::styleSheet(removeStyle));
     connect(removeFileButton, &QPushButton::clicked, this, &MainWindow::removeSelectedFile);
@@ -413,9 +409,7 @@ void MainWindow::setupFilePreviewPanel()
     editLayout->addStretch();
     storageBrowseButton = fixedButton(QStringLiteral("StorageBrowseButton"), QSize(22, 22), storageLocationEdit);
     storageBrowseButton->setCursor(Qt::ArrowCursor);
-    auto browseStyle = PanelStyles::imageButton(storageBrowseButton->objectName(), QStringLiteral("FilePreviewPanel/button_folder"));
-    browseStyle.textColor = lightText;
-    browseStyle.disabledTextColor = dimText;
+    auto browseStyle = labelledButton(storageBrowseButton->objectName(), QStringLiteral("FilePreviewPanel/button_folder"));
     browseStyle.centred = true;
     storageBrowseButton->setStyleSheet(PanelStyles::styleSheet(browseStyle));
     connect(storageBrowseButton, &QPushButton::clicked, this, &MainWindow::updateStorageRoot);
