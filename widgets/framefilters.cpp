@@ -5,14 +5,21 @@
 // things: its largest and smallest channel, and for saturation its HSL hue.
 // Small tables filled by QColor hold what depends on those, and the rest
 // repeats QColor's single-precision steps; the tests hold the literal
-// per-pixel algorithm and compare over every colour.
+// per-pixel algorithm and compare over every colour. Every filter on at once
+// is still one pass over the frame: the channel tables around the colour
+// step are composed, and what follows hue is folded into its table.
 #include "framefilters.h"
 
-#include <algorithm>
+#include <atomic>
 #include <cmath>
+#include <cstring>
+#include <optional>
 
 #include <QColor>
+#include <QMutex>
 #include <QTransform>
+
+#include "framefilterkernels.h"
 
 namespace FrameFilters {
 
@@ -63,39 +70,15 @@ Table gammaTable(int g)
 }
 
 namespace {
-bool is32Bit(const QImage &image)
-{
-    const QImage::Format format = image.format();
-    return format == QImage::Format_RGB32 || format == QImage::Format_ARGB32
-            || format == QImage::Format_ARGB32_Premultiplied;
-}
+using FrameFilterKernels::ChannelTables;
+using FrameFilterKernels::Kernels;
 
-// The colour filters work on 32-bit pixels as stored; every frame the
-// renderer sees is one, and anything else is brought to RGB32 first.
-void make32Bit(QImage &image)
-{
-    if (!is32Bit(image))
-        image.convertTo(QImage::Format_RGB32);
-}
+std::atomic<bool> vectorKernelsEnabled { true };
 
-template<typename PerPixel>
-void forEachPixel(QImage &image, PerPixel perPixel)
+const Kernels &kernels()
 {
-    const int width = image.width();
-    for (int y = 0; y < image.height(); ++y) {
-        auto *line = reinterpret_cast<QRgb *>(image.scanLine(y));
-        for (int x = 0; x < width; ++x)
-            line[x] = perPixel(line[x]);
-    }
-}
-
-// A translucent premultiplied pixel as Qt's own conversion to RGB32 reads it.
-// Frames are opaque; this is the rare way round.
-QRgb unpremultiplied(QRgb pixel)
-{
-    QImage one(1, 1, QImage::Format_ARGB32_Premultiplied);
-    one.setPixel(0, 0, pixel);
-    return one.convertToFormat(QImage::Format_RGB32).pixel(0, 0);
+    const Kernels *vector = FrameFilterKernels::avx2();
+    return vector && vectorKernelsEnabled ? *vector : FrameFilterKernels::portable();
 }
 
 inline int pairIndex(int maximum, int minimum)
@@ -135,223 +118,288 @@ const PairTables &pairTables()
     return tables;
 }
 
-// A channel as QColor holds it in single precision.
-struct ChannelFloats
+Table identityTable()
 {
-    std::array<float, 256> value {};
-    ChannelFloats()
-    {
-        for (int i = 0; i < 256; ++i)
-            value[i] = float(i * 0x101) / 65535.0f;
-    }
-};
-
-// The HSL hue in whole degrees as QColor computes it, for a colour that is
-// not grey. The single-precision steps are QColor's own, so the rounding is
-// too; for 8-bit channels its fuzzy comparison with the maximum is equality.
-// Which channel is largest is chosen by index, not by branch: in a noisy
-// picture it changes from pixel to pixel and mispredicts would dominate.
-inline int hslHue(int red, int green, int blue, int maximum, int minimum, const ChannelFloats &channel)
-{
-    const float r = channel.value[red], g = channel.value[green], b = channel.value[blue];
-    const float delta = channel.value[maximum] - channel.value[minimum];
-    const int which = red == maximum ? 0 : (green == maximum ? 1 : 2);
-    const float differences[3] = { g - b, b - r, r - g };
-    // 0.0f + x is x but for the sign of a zero, which the rounding below drops.
-    static constexpr float offsets[3] = { 0.0f, 2.0f, 4.0f };
-    float hue = offsets[which] + differences[which] / delta;
-    hue *= 60.0f;
-    hue += hue < 0.0f ? 360.0f : 0.0f;
-    // Never negative here, where qRound is this.
-    return int(hue * 100.0f + 0.5f) / 100;
+    Table table;
+    for (int i = 0; i < 256; ++i)
+        table[i] = i;
+    return table;
 }
 
-// QColor::fromHsl(h, s, l).rgb() without the QColor: the same single-precision
-// steps in the same order, so the same rounding. What depends on the hue
-// alone (which of QColor's four cases each channel takes, and its factor) is
-// worked out once per hue; the 16- to 8-bit step is QColor's own, tabled.
-class HslToRgb
+// What each channel becomes in a run of filters that treat channels apart.
+struct ChannelSteps
 {
-public:
-    HslToRgb()
-    {
-        for (int v = 0; v < 65536; ++v)
-            eightBit[v] = quint8(QColor(QRgba64::fromRgba64(quint16(v), 0, 0, 0xffff)).red());
-        for (int hue = 0; hue < 360; ++hue) {
-            const float h = float(hue * 100) / 36000.0f;
-            const float temp3[3] = { h + (1.0f / 3.0f), h, h - (1.0f / 3.0f) };
-            for (int c = 0; c < 3; ++c) {
-                float t = temp3[c];
-                if (t < 0.0f)
-                    t += 1.0f;
-                else if (t > 1.0f)
-                    t -= 1.0f;
-                const float sixTimes = t * 6.0f;
-                Channel &channel = channels[hue][c];
-                if (sixTimes < 1.0f) {
-                    channel = { Rising, sixTimes };
-                } else if (t * 2.0f < 1.0f) {
-                    channel = { Top, 0.0f };
-                } else if (t * 3.0f < 2.0f) {
-                    channel = { Falling, 2.0f / 3.0f - t };
-                } else {
-                    channel = { Bottom, 0.0f };
-                }
-            }
-        }
-        makeLayouts();
-    }
+    Table red = identityTable();
+    Table green = identityTable();
+    Table blue = identityTable();
 
-    // For a chromatic colour with lightness above 0; at is saturation << 8 | lightness.
-    inline QRgb rgbAt(int hue, int at) const
+    void then(const Table &r, const Table &g, const Table &b)
     {
-        const Layout &layout = layouts[hue];
-        if (!layout.simple)
-            return rgb(hue, at >> 8, at & 0xff);
-        const Bounds bounds = boundsOf(at >> 8, at & 0xff);
-        const int mixed = value(channels[hue][layout.mixedChannel], bounds);
-        return 0xff000000u | (quint32(top[at]) << layout.topShift) | (quint32(bottom[at]) << layout.bottomShift)
-                | (quint32(mixed) << layout.mixedShift);
-    }
-
-    inline QRgb rgb(int hue, int saturation, int lightness) const
-    {
-        const Bounds bounds = boundsOf(saturation, lightness);
-        const auto &hueChannels = channels[hue];
-        return qRgb(value(hueChannels[0], bounds), value(hueChannels[1], bounds), value(hueChannels[2], bounds));
-    }
-
-    // The channels in single precision, as QColor holds them.
-    const ChannelFloats channel;
-
-private:
-    enum Case : quint8 { Rising, Top, Falling, Bottom };
-    // QColor's temp1 and temp2: the lowest and highest a channel can be.
-    struct Bounds
-    {
-        float low;
-        float high;
-    };
-    struct Channel
-    {
-        Case kind = Bottom;
-        float factor = 0.0f;
-    };
-    // Most hues have one channel at the top, one at the bottom and one mixed
-    // between: the first two come from tables, only the third is computed.
-    struct Layout
-    {
-        bool simple = false;
-        int mixedChannel = 0;
-        int topShift = 0;
-        int bottomShift = 0;
-        int mixedShift = 0;
-    };
-
-    void makeLayouts()
-    {
-        for (int s = 0; s < 256; ++s) {
-            for (int l = 0; l < 256; ++l) {
-                const Bounds bounds = boundsOf(s, l);
-                top[(s << 8) | l] = quint8(value({ Top, 0.0f }, bounds));
-                bottom[(s << 8) | l] = quint8(value({ Bottom, 0.0f }, bounds));
-            }
-        }
-        for (int hue = 0; hue < 360; ++hue) {
-            int tops = 0, bottoms = 0, mixed = 0;
-            Layout &layout = layouts[hue];
-            for (int c = 0; c < 3; ++c) {
-                const int shift = 16 - 8 * c;
-                switch (channels[hue][c].kind) {
-                case Top:
-                    ++tops;
-                    layout.topShift = shift;
-                    break;
-                case Bottom:
-                    ++bottoms;
-                    layout.bottomShift = shift;
-                    break;
-                default:
-                    ++mixed;
-                    layout.mixedChannel = c;
-                    layout.mixedShift = shift;
-                    break;
-                }
-            }
-            layout.simple = tops == 1 && bottoms == 1 && mixed == 1;
+        for (int i = 0; i < 256; ++i) {
+            red[i] = r[red[i]];
+            green[i] = g[green[i]];
+            blue[i] = b[blue[i]];
         }
     }
 
-    inline Bounds boundsOf(int saturation, int lightness) const
+    bool operator==(const ChannelSteps &other) const
     {
-        const float s = channel.value[saturation];
-        const float l = channel.value[lightness];
-        const float temp2 = l < 0.5f ? l * (1.0f + s) : l + s - (l * s);
-        return { (2.0f * l) - temp2, temp2 };
+        return red == other.red && green == other.green && blue == other.blue;
     }
-
-    // Each of QColor's four cases computed the way it does it; the case is
-    // then picked by index rather than by branch.
-    inline int value(const Channel &channel, Bounds bounds) const
-    {
-        const float temp1 = bounds.low, temp2 = bounds.high;
-        const float candidates[4] = { temp1 + (temp2 - temp1) * channel.factor, temp2,
-                                      temp1 + (temp2 - temp1) * channel.factor * 6.0f, temp1 };
-        // QColor's 16-bit value 1 becomes 0; both give 0 in eight bits.
-        return eightBit[qRound(candidates[channel.kind] * USHRT_MAX)];
-    }
-
-    std::array<quint8, 65536> eightBit {};
-    std::array<std::array<Channel, 3>, 360> channels {};
-    std::array<Layout, 360> layouts {};
-    std::array<quint8, 65536> top {};
-    std::array<quint8, 65536> bottom {};
+    bool operator!=(const ChannelSteps &other) const { return !(*this == other); }
 };
 
-const HslToRgb &hslToRgb()
+// The steps as the kernels read them, each entry at its channel's bits.
+class PackedSteps
 {
-    static const HslToRgb converter;
-    return converter;
+public:
+    explicit PackedSteps(const ChannelSteps &steps)
+    {
+        for (int i = 0; i < 256; ++i) {
+            red[i] = 0xff000000u | (quint32(steps.red[i]) << 16);
+            green[i] = quint32(steps.green[i]) << 8;
+            blue[i] = quint32(steps.blue[i]);
+        }
+    }
+
+    ChannelTables tables() const { return { red.data(), green.data(), blue.data() }; }
+
+private:
+    std::array<quint32, 256> red, green, blue;
+};
+
+// A run of filters as at most three passes' worth of work done in one: the
+// channel steps before the colour step, the colour step (hue, saturation or
+// both), and the channel steps after it.
+class Plan
+{
+public:
+    void addTable(const Table &table) { addSteps(table, table, table, true); }
+
+    void addWarmth(int w)
+    {
+        Table warmer;
+        for (int i = 0; i < 256; ++i)
+            warmer[i] = qBound(0, i + w, 255);
+        // Blue is left alone on purpose: warmer toward yellow, cooler away.
+        addSteps(warmer, warmer, identityTable(), false);
+    }
+
+    void addHue(int h)
+    {
+        // Hue always comes before saturation, so the two fold into one table.
+        Q_ASSERT(!saturation);
+        noteFilter(false);
+        hue = h;
+    }
+
+    void addSaturation(int s)
+    {
+        noteFilter(false);
+        saturation = s;
+    }
+
+    bool isEmpty() const { return empty; }
+    bool startsWithTable() const { return tableFirst; }
+    bool hasColourStep() const { return hue || saturation; }
+
+    std::optional<ChannelSteps> before;
+    std::optional<ChannelSteps> after;
+    std::optional<int> hue;
+    std::optional<int> saturation;
+
+private:
+    void noteFilter(bool table)
+    {
+        if (empty)
+            tableFirst = table;
+        empty = false;
+    }
+
+    void addSteps(const Table &r, const Table &g, const Table &b, bool table)
+    {
+        noteFilter(table);
+        std::optional<ChannelSteps> &steps = hasColourStep() ? after : before;
+        if (!steps)
+            steps.emplace();
+        steps->then(r, g, b);
+    }
+
+    bool empty = true;
+    // The first filter decides how a translucent premultiplied pixel is read:
+    // a table filter converts the picture to RGB32 first, the colour filters
+    // take the stored values.
+    bool tableFirst = false;
+};
+
+// The colour-step tables of the last values, kept while the sliders rest.
+class ColourTables
+{
+public:
+    // Per channel pair: the new saturation << 8 | the lightness.
+    const quint16 *target(int s)
+    {
+        if (!targetShift || *targetShift != s) {
+            const PairTables &pairs = pairTables();
+            for (int at = 0; at < 65536; ++at)
+                targetTable[at] = quint16((qBound(0, pairs.hslSaturation[at] + s, 255) << 8) | pairs.lightness[at]);
+            targetShift = s;
+        }
+        return targetTable.data();
+    }
+
+    // Per channel pair: the hue's tint, then saturation and the later steps.
+    const quint32 *pairs(const Plan &plan, const Kernels &kernels)
+    {
+        if (tintHue != *plan.hue) {
+            // Every pixel takes the one hue and keeps its HSV saturation and value.
+            const PairTables &pairs = pairTables();
+            for (int maximum = 0; maximum < 256; ++maximum) {
+                for (int minimum = 0; minimum <= maximum; ++minimum) {
+                    const int at = pairIndex(maximum, minimum);
+                    tinted[at] = QColor::fromHsv(*plan.hue, pairs.hsvSaturation[at], pairs.hsvValue[maximum], 255).rgb();
+                }
+            }
+            tintHue = *plan.hue;
+            pairsHue.reset();
+        }
+        if (pairsHue != plan.hue || pairsSaturation != plan.saturation || pairsAfter != plan.after) {
+            pairTable = tinted;
+            const std::optional<PackedSteps> after = packed(plan.after);
+            const ChannelTables afterTables = after ? after->tables() : ChannelTables();
+            if (plan.saturation)
+                kernels.saturate(pairTable.data(), pairTable.size(), nullptr, target(*plan.saturation), after ? &afterTables : nullptr);
+            else if (after)
+                kernels.mapChannels(pairTable.data(), pairTable.size(), afterTables);
+            pairsHue = plan.hue;
+            pairsSaturation = plan.saturation;
+            pairsAfter = plan.after;
+        }
+        return pairTable.data();
+    }
+
+    static std::optional<PackedSteps> packed(const std::optional<ChannelSteps> &steps)
+    {
+        return steps ? std::optional<PackedSteps>(std::in_place, *steps) : std::nullopt;
+    }
+
+private:
+    std::optional<int> targetShift;
+    std::array<quint16, 65536 + 1> targetTable {};
+    int tintHue = -1;
+    std::array<quint32, 65536> tinted {};
+    std::optional<int> pairsHue;
+    std::optional<int> pairsSaturation;
+    std::optional<ChannelSteps> pairsAfter;
+    std::array<quint32, 65536> pairTable {};
+};
+
+// The plan made ready for the kernels; valid while the tables' lock is held.
+class Pass
+{
+public:
+    Pass(const Plan &plan, ColourTables &colourTables, const Kernels &kernels)
+        : kernels(kernels), before(ColourTables::packed(plan.before)), after(ColourTables::packed(plan.after))
+    {
+        if (plan.hue)
+            pairs = colourTables.pairs(plan, kernels);
+        else if (plan.saturation)
+            target = colourTables.target(*plan.saturation);
+        beforeTables = before ? before->tables() : ChannelTables();
+        afterTables = after ? after->tables() : ChannelTables();
+    }
+
+    void run(quint32 *pixels, std::size_t count) const
+    {
+        const ChannelTables *first = before ? &beforeTables : nullptr;
+        if (pairs)
+            kernels.mapPairs(pixels, count, first, pairs);
+        else if (target)
+            kernels.saturate(pixels, count, first, target, after ? &afterTables : nullptr);
+        else if (first)
+            kernels.mapChannels(pixels, count, *first);
+    }
+
+private:
+    const Kernels &kernels;
+    std::optional<PackedSteps> before;
+    std::optional<PackedSteps> after;
+    ChannelTables beforeTables;
+    ChannelTables afterTables;
+    const quint32 *pairs = nullptr;
+    const quint16 *target = nullptr;
+};
+
+QMutex tablesLock;
+
+ColourTables &colourTables()
+{
+    static ColourTables tables;
+    return tables;
+}
+
+// Opaque pixels read the same premultiplied or not; a line with others is
+// read as Qt's own conversion to RGB32 reads it. Frames are opaque; this is
+// the rare way round.
+void unpremultiplyTranslucent(quint32 *line, int width, const Kernels &kernels)
+{
+    if (kernels.allOpaque(line, std::size_t(width)))
+        return;
+    const QImage premultiplied(reinterpret_cast<const uchar *>(line), width, 1, QImage::Format_ARGB32_Premultiplied);
+    const QImage converted = premultiplied.convertToFormat(QImage::Format_RGB32);
+    std::memcpy(line, converted.constBits(), size_t(width) * 4);
+}
+
+void run(QImage &image, const Plan &plan)
+{
+    if (plan.isEmpty())
+        return;
+    QMutexLocker locker(&tablesLock);
+    const Kernels &loops = kernels();
+    const Pass pass(plan, colourTables(), loops);
+    if (image.colorCount() > 0 && plan.startsWithTable()) {
+        // The first filter makes every entry opaque, so an indexed picture
+        // only needs its colours changed.
+        QList<QRgb> colours = image.colorTable();
+        pass.run(colours.data(), std::size_t(colours.size()));
+        image.setColorTable(colours);
+        return;
+    }
+    const QImage::Format format = image.format();
+    if (format != QImage::Format_RGB32 && format != QImage::Format_ARGB32 && format != QImage::Format_ARGB32_Premultiplied)
+        image.convertTo(QImage::Format_RGB32);
+    const bool unpremultiply = plan.startsWithTable() && format == QImage::Format_ARGB32_Premultiplied;
+    const int width = image.width();
+    for (int y = 0; y < image.height(); ++y) {
+        auto *line = reinterpret_cast<quint32 *>(image.scanLine(y));
+        if (!unpremultiply) {
+            pass.run(line, std::size_t(width));
+            continue;
+        }
+        // Looked at and filtered a piece at a time, so that each piece is
+        // still in the cache when the filter reads it.
+        for (int x = 0; x < width; x += 512) {
+            const int count = qMin(512, width - x);
+            unpremultiplyTranslucent(line + x, count, loops);
+            pass.run(line + x, std::size_t(count));
+        }
+    }
+    // Every pixel is opaque now.
+    image.reinterpretAsFormat(QImage::Format_RGB32);
+}
+
+template<typename Add>
+void runOne(QImage &image, Add add)
+{
+    Plan plan;
+    add(plan);
+    run(image, plan);
 }
 } // namespace
 
-void applyTable(QImage &image, const Table &table)
-{
-    if (image.colorCount() > 0) {
-        QList<QRgb> colors = image.colorTable();
-        for (QRgb &color : colors)
-            color = qRgba(table[qRed(color)], table[qGreen(color)], table[qBlue(color)], 255);
-        image.setColorTable(colors);
-        return;
-    }
-    // The table placed at each channel's bits, so a pixel is three look-ups.
-    std::array<quint32, 256> red, green, blue;
-    for (int i = 0; i < 256; ++i) {
-        red[i] = 0xff000000u | (quint32(table[i]) << 16);
-        green[i] = quint32(table[i]) << 8;
-        blue[i] = quint32(table[i]);
-    }
-    const auto lookUp = [&](QRgb pixel) { return red[qRed(pixel)] | green[qGreen(pixel)] | blue[qBlue(pixel)]; };
-    if (image.format() == QImage::Format_ARGB32_Premultiplied) {
-        // Opaque pixels read the same premultiplied or not, so the conversion
-        // to RGB32 happens in the same pass; only others are unpremultiplied.
-        forEachPixel(image, [&](QRgb pixel) { return qAlpha(pixel) == 255 ? lookUp(pixel) : lookUp(unpremultiplied(pixel)); });
-        image.reinterpretAsFormat(QImage::Format_RGB32);
-        return;
-    }
-    if (image.format() == QImage::Format_ARGB32) {
-        forEachPixel(image, lookUp);
-        image.reinterpretAsFormat(QImage::Format_RGB32);
-        return;
-    }
-    if (image.format() != QImage::Format_RGB32)
-        image.convertTo(QImage::Format_RGB32);
-    forEachPixel(image, lookUp);
-}
-
 void applyBrightness(QImage &image, int value)
 {
-    applyTable(image, brightnessTable(value));
+    runOne(image, [value](Plan &plan) { plan.addTable(brightnessTable(value)); });
 }
 
 void applyContrast(QImage &image, int value)
@@ -359,101 +407,51 @@ void applyContrast(QImage &image, int value)
     if (value == -100)
         return;
     // The first step away from 0 jumps to a factor of about 2; intended.
-    applyTable(image, contrastTable(value + 200));
+    runOne(image, [value](Plan &plan) { plan.addTable(contrastTable(value + 200)); });
 }
 
 void applyGamma(QImage &image, int value)
 {
-    applyTable(image, gammaTable(value + 100));
+    runOne(image, [value](Plan &plan) { plan.addTable(gammaTable(value + 100)); });
 }
 
 void applyHue(QImage &image, int h)
 {
-    // Every pixel takes the one hue and keeps its HSV saturation and value.
-    // Frames are painted on the GUI thread only; the table follows the value.
-    const PairTables &pairs = pairTables();
-    static int tableHue = -1;
-    static std::array<QRgb, 65536> tinted;
-    if (tableHue != h) {
-        for (int maximum = 0; maximum < 256; ++maximum) {
-            for (int minimum = 0; minimum <= maximum; ++minimum) {
-                const int at = pairIndex(maximum, minimum);
-                tinted[at] = QColor::fromHsv(h, pairs.hsvSaturation[at], pairs.hsvValue[maximum], 255).rgb();
-            }
-        }
-        tableHue = h;
-    }
-    make32Bit(image);
-    forEachPixel(image, [](QRgb pixel) {
-        const int r = qRed(pixel), g = qGreen(pixel), b = qBlue(pixel);
-        return tinted[pairIndex(qMax(qMax(r, g), b), qMin(qMin(r, g), b))];
-    });
+    runOne(image, [h](Plan &plan) { plan.addHue(h); });
 }
 
 void applySaturation(QImage &image, int s)
 {
-    const PairTables &pairs = pairTables();
-    const HslToRgb &hsl = hslToRgb();
-    // Per channel pair: the new saturation and the lightness, packed as
-    // saturation << 8 | lightness. GUI thread only, like applyHue.
-    static int tableShift = 0;
-    static bool targetMade = false;
-    static std::array<quint16, 65536> target;
-    if (!targetMade || tableShift != s) {
-        for (int at = 0; at < 65536; ++at)
-            target[at] = quint16((qBound(0, pairs.hslSaturation[at] + s, 255) << 8) | pairs.lightness[at]);
-        tableShift = s;
-        targetMade = true;
-    }
-    make32Bit(image);
-    forEachPixel(image, [&hsl](QRgb pixel) {
-        const int r = qRed(pixel), g = qGreen(pixel), b = qBlue(pixel);
-        const int maximum = qMax(qMax(r, g), b);
-        const int minimum = qMin(qMin(r, g), b);
-        const int at = target[pairIndex(maximum, minimum)];
-        // A grey, a colour whose saturation drops to 0, or black keeps only
-        // its lightness.
-        if (maximum == minimum || at < 256 || (at & 0xff) == 0) {
-            const int grey = at & 0xff;
-            return qRgb(grey, grey, grey);
-        }
-        return hsl.rgbAt(hslHue(r, g, b, maximum, minimum, hsl.channel), at);
-    });
+    runOne(image, [s](Plan &plan) { plan.addSaturation(s); });
 }
 
 void applyWarmth(QImage &image, int w)
 {
-    std::array<quint32, 256> red, green;
-    for (int i = 0; i < 256; ++i) {
-        red[i] = 0xff000000u | (quint32(qBound(0, i + w, 255)) << 16);
-        green[i] = quint32(qBound(0, i + w, 255)) << 8;
-    }
-    make32Bit(image);
-    // Blue is left alone on purpose: warmer toward yellow, cooler away.
-    forEachPixel(image, [&](QRgb pixel) { return red[qRed(pixel)] | green[qGreen(pixel)] | quint32(qBlue(pixel)); });
+    runOne(image, [w](Plan &plan) { plan.addWarmth(w); });
 }
 
 void adjust(QImage &image, const PictureAdjustments &values)
 {
+    // One pass whatever is on: the filters keep their fixed order inside it.
+    Plan plan;
     if (values.brightness)
-        applyBrightness(image, values.brightness);
-    if (values.contrast)
-        applyContrast(image, values.contrast);
+        plan.addTable(brightnessTable(values.brightness));
+    if (values.contrast && values.contrast != -100)
+        plan.addTable(contrastTable(values.contrast + 200));
     if (values.gamma)
-        applyGamma(image, values.gamma);
+        plan.addTable(gammaTable(values.gamma + 100));
     if (values.hue)
-        applyHue(image, values.hue);
+        plan.addHue(values.hue);
     if (values.saturation)
-        applySaturation(image, values.saturation);
+        plan.addSaturation(values.saturation);
     if (values.whiteBalance)
-        applyWarmth(image, values.whiteBalance);
+        plan.addWarmth(values.whiteBalance);
     // Backlight, gain and exposure reuse the brightness step and stack.
-    if (values.backlight)
-        applyBrightness(image, values.backlight);
-    if (values.gain)
-        applyBrightness(image, values.gain);
-    if (values.exposure)
-        applyBrightness(image, values.exposure);
+    for (int value : { values.backlight, values.gain, values.exposure }) {
+        if (value)
+            plan.addTable(brightnessTable(value));
+    }
+    run(image, plan);
 }
 
 namespace {
@@ -483,14 +481,24 @@ QImage adjusted(const QImage &image, const PictureAdjustments &values)
 void warmUpColourTables()
 {
     pairTables();
-    hslToRgb();
+    FrameFilterKernels::warmUp();
+}
+
+bool vectorKernelsAvailable()
+{
+    return FrameFilterKernels::avx2() != nullptr;
+}
+
+void setVectorKernelsEnabled(bool enabled)
+{
+    vectorKernelsEnabled = enabled;
 }
 
 QRgb hslToRgb(int hue, int saturation, int lightness)
 {
     if (hue < 0 || saturation == 0 || lightness == 0)
         return QColor::fromHsl(hue, saturation, lightness, 255).rgb();
-    return hslToRgb().rgb(hue % 360, saturation, lightness);
+    return FrameFilterKernels::hslToRgb(hue % 360, saturation, lightness);
 }
 
 QRect targetRect(const QSize &widget)

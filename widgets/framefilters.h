@@ -36,7 +36,6 @@ Table gammaTable(int g);
 
 // The filters work in place on an image the caller owns, so that a frame
 // costs no further 8 MB allocations: fresh memory is slow to fault in.
-void applyTable(QImage &image, const Table &table);
 void applyBrightness(QImage &image, int value);
 // The slider value, not the factor: -100 leaves the picture, anything else
 // uses value + 200.
@@ -61,6 +60,11 @@ QImage adjusted(const QImage &image, const PictureAdjustments &values);
 // Hue and saturation build their tables on first use; this builds them ahead
 // so that the first adjusted frame does not wait. Safe from any thread.
 void warmUpColourTables();
+
+// The AVX2 loops run where the processor has them. The portable ones can be
+// chosen instead, so that the tests hold both to the same pictures.
+bool vectorKernelsAvailable();
+void setVectorKernelsEnabled(bool enabled);
 
 // QColor::fromHsl(hue, saturation, lightness, 255).rgb(), as the saturation
 // filter computes it.

@@ -1,6 +1,8 @@
 // The fast picture filters against the literal per-pixel QColor algorithm:
 // bit for bit, over every 8-bit colour, a dense sample of the colour cube for
 // every slider value, and real frames from the virtual camera.
+#include <vector>
+
 #include <QCamera>
 #include <QMediaCaptureSession>
 #include <QMediaDevices>
@@ -60,6 +62,68 @@ const FilterPair filters[] = {
     { "white balance", FrameFilters::warmth, ReferenceFilters::warmth, -30, 30 },
 };
 
+// Runs a check once with each set of per-pixel loops this processor has:
+// the portable ones always, the AVX2 ones where there are any.
+template<typename Check>
+void withEachKernel(Check check)
+{
+    for (const bool vector : { false, true }) {
+        if (vector && !FrameFilters::vectorKernelsAvailable())
+            continue;
+        FrameFilters::setVectorKernelsEnabled(vector);
+        check(vector ? QStringLiteral("AVX2") : QStringLiteral("portable"));
+        if (QTest::currentTestFailed())
+            break;
+    }
+    FrameFilters::setVectorKernelsEnabled(true);
+}
+
+// The literal chain: each non-zero adjustment in the fixed order.
+QImage referenceChain(QImage image, const PictureAdjustments &values)
+{
+    const std::pair<int, Filter> steps[] = {
+        { values.brightness, ReferenceFilters::brightness }, { values.contrast, ReferenceFilters::contrast },
+        { values.gamma, ReferenceFilters::gamma },           { values.hue, ReferenceFilters::hue },
+        { values.saturation, ReferenceFilters::saturation }, { values.whiteBalance, ReferenceFilters::warmth },
+        { values.backlight, ReferenceFilters::brightness },  { values.gain, ReferenceFilters::brightness },
+        { values.exposure, ReferenceFilters::brightness },
+    };
+    for (const auto &[value, filter] : steps) {
+        if (value)
+            image = filter(image, value);
+    }
+    return image;
+}
+
+PictureAdjustments adjustments(std::initializer_list<int> nine)
+{
+    const std::vector<int> v(nine);
+    PictureAdjustments values;
+    values.brightness = v[0];
+    values.contrast = v[1];
+    values.gamma = v[2];
+    values.hue = v[3];
+    values.saturation = v[4];
+    values.whiteBalance = v[5];
+    values.backlight = v[6];
+    values.gain = v[7];
+    values.exposure = v[8];
+    return values;
+}
+
+QImage translucentPicture(QImage::Format format)
+{
+    QImage image(256, 64, QImage::Format_ARGB32);
+    quint32 seed = 7;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            seed = seed * 1664525u + 1013904223u;
+            image.setPixel(x, y, qRgba(x, (seed >> 8) & 0xff, (seed >> 16) & 0xff, y * 4 + (x & 3)));
+        }
+    }
+    return image.convertToFormat(format);
+}
+
 void grabFrame(VirtualDevices &devices, const QString &pattern, QImage &frame)
 {
     devices.setCameras({ QStringLiteral("Orvix Full HD Camera|video/x-raw,format=YUY2,width=640,height=480,framerate=30/1|frame-%1|%1")
@@ -82,6 +146,8 @@ void grabFrame(VirtualDevices &devices, const QString &pattern, QImage &frame)
     devices.setCameras({});
 }
 }
+
+Q_DECLARE_METATYPE(PictureAdjustments)
 
 class tst_FrameFilters : public QObject
 {
@@ -111,10 +177,11 @@ private slots:
         QFETCH(int, filter);
         QFETCH(int, value);
         const QImage cube = ReferenceFilters::colourCube(1);
-        const QImage fast = filters[filter].fast(cube, value);
         const QImage reference = filters[filter].reference(cube, value);
-        const QString difference = firstDifference(cube, fast, reference);
-        QVERIFY2(difference.isEmpty(), qPrintable(difference));
+        withEachKernel([&](const QString &kernel) {
+            const QString difference = firstDifference(cube, filters[filter].fast(cube, value), reference);
+            QVERIFY2(difference.isEmpty(), qPrintable(kernel + QStringLiteral(": ") + difference));
+        });
     }
 
     // The saturation filter's HSL to RGB step against QColor, for every
@@ -150,10 +217,12 @@ private slots:
         const QImage sample = ReferenceFilters::colourCube(17);
         QStringList wrong;
         for (int value = filters[filter].from; value <= filters[filter].to; ++value) {
-            const QString difference = firstDifference(sample, filters[filter].fast(sample, value),
-                                                       filters[filter].reference(sample, value));
-            if (!difference.isEmpty())
-                wrong << QStringLiteral("%1: %2").arg(value).arg(difference);
+            const QImage reference = filters[filter].reference(sample, value);
+            withEachKernel([&](const QString &kernel) {
+                const QString difference = firstDifference(sample, filters[filter].fast(sample, value), reference);
+                if (!difference.isEmpty())
+                    wrong << QStringLiteral("%1 %2: %3").arg(kernel).arg(value).arg(difference);
+            });
         }
         QVERIFY2(wrong.isEmpty(), qPrintable(wrong.mid(0, 5).join(QStringLiteral("; "))));
     }
@@ -177,8 +246,11 @@ private slots:
             for (int value : { filter.from, (filter.from + filter.to) / 2 + 1, filter.to }) {
                 if (value == 0)
                     continue;
-                const QString difference = firstDifference(frame, filter.fast(frame, value), filter.reference(frame, value));
-                QVERIFY2(difference.isEmpty(), qPrintable(QStringLiteral("%1 %2: %3").arg(filter.name).arg(value).arg(difference)));
+                const QImage reference = filter.reference(frame, value);
+                withEachKernel([&](const QString &kernel) {
+                    const QString difference = firstDifference(frame, filter.fast(frame, value), reference);
+                    QVERIFY2(difference.isEmpty(), qPrintable(QStringLiteral("%1, %2 %3: %4").arg(kernel, filter.name).arg(value).arg(difference)));
+                });
             }
         }
     }
@@ -187,52 +259,98 @@ private slots:
     // still come out as the reference's conversion makes it.
     void translucentPremultipliedPictures()
     {
-        QImage image(256, 64, QImage::Format_ARGB32);
-        quint32 seed = 7;
-        for (int y = 0; y < image.height(); ++y) {
-            for (int x = 0; x < image.width(); ++x) {
-                seed = seed * 1664525u + 1013904223u;
-                image.setPixel(x, y, qRgba(x, (seed >> 8) & 0xff, (seed >> 16) & 0xff, y * 4 + (x & 3)));
-            }
-        }
-        for (const QImage &picture : { image, image.convertToFormat(QImage::Format_ARGB32_Premultiplied) }) {
+        for (const QImage &picture : { translucentPicture(QImage::Format_ARGB32), translucentPicture(QImage::Format_ARGB32_Premultiplied) }) {
             for (const FilterPair &filter : filters) {
                 const int value = filter.to;
-                const QString difference = firstDifference(picture, filter.fast(picture, value), filter.reference(picture, value));
-                QVERIFY2(difference.isEmpty(), qPrintable(QStringLiteral("%1 on format %2: %3").arg(filter.name)
-                                                                  .arg(int(picture.format())).arg(difference)));
+                const QImage reference = filter.reference(picture, value);
+                withEachKernel([&](const QString &kernel) {
+                    const QString difference = firstDifference(picture, filter.fast(picture, value), reference);
+                    QVERIFY2(difference.isEmpty(), qPrintable(QStringLiteral("%1, %2 on format %3: %4").arg(kernel, filter.name)
+                                                                      .arg(int(picture.format())).arg(difference)));
+                });
             }
         }
     }
 
+    // Whatever is on, the chain is one pass; these cover each shape it takes.
+    void chainMatchesTheReferenceChain_data()
+    {
+        QTest::addColumn<PictureAdjustments>("values");
+        //                                              bri  con  gam  hue  sat  wb  back gain exp
+        QTest::addRow("all nine") << adjustments({ 10, -20, 15, 33, -20, 12, 1, 5, -7 });
+        QTest::addRow("channel steps only") << adjustments({ 10, 20, -15, 0, 0, 0, 1, 0, -3 });
+        QTest::addRow("hue between steps") << adjustments({ 0, 0, 30, 200, 0, -9, 0, 4, 0 });
+        QTest::addRow("hue and saturation alone") << adjustments({ 0, 0, 0, 1, 45, 0, 0, 0, 0 });
+        QTest::addRow("saturation between steps") << adjustments({ -5, 0, -40, 0, -70, 20, 0, 0, 8 });
+        QTest::addRow("saturation then steps") << adjustments({ 0, 0, 0, 0, 30, 0, 2, 0, 0 });
+        QTest::addRow("warmth first, then brightness") << adjustments({ 0, 0, 0, 0, 0, 25, 3, 0, 0 });
+        QTest::addRow("contrast -100 does nothing") << adjustments({ 0, -100, 0, 90, 0, 0, 0, 0, 0 });
+        QTest::addRow("nothing on") << adjustments({ 0, 0, 0, 0, 0, 0, 0, 0, 0 });
+    }
+
     void chainMatchesTheReferenceChain()
     {
-        const QImage sample = ReferenceFilters::colourCube(9);
-        PictureAdjustments values;
-        values.brightness = 10;
-        values.contrast = -20;
-        values.gamma = 15;
-        values.hue = 33;
-        values.saturation = -20;
-        values.whiteBalance = 12;
-        values.backlight = 1;
-        values.gain = 5;
-        values.exposure = -7;
-        values.colorEnable = 80; // not applied
-        values.sharpness = -50;  // not applied
-        QImage reference = sample;
-        reference = ReferenceFilters::brightness(reference, 10);
-        reference = ReferenceFilters::contrast(reference, -20);
-        reference = ReferenceFilters::gamma(reference, 15);
-        reference = ReferenceFilters::hue(reference, 33);
-        reference = ReferenceFilters::saturation(reference, -20);
-        reference = ReferenceFilters::warmth(reference, 12);
-        reference = ReferenceFilters::brightness(reference, 1);
-        reference = ReferenceFilters::brightness(reference, 5);
-        reference = ReferenceFilters::brightness(reference, -7);
-        const QString difference = firstDifference(sample, FrameFilters::adjusted(sample, values), reference);
-        QVERIFY2(difference.isEmpty(), qPrintable(difference));
-        QCOMPARE(FrameFilters::adjusted(sample, PictureAdjustments()), sample);
+        QFETCH(PictureAdjustments, values);
+        values.colorEnable = 80; // stored, never applied
+        values.sharpness = -50;
+        const QImage pictures[] = { ReferenceFilters::colourCube(9), translucentPicture(QImage::Format_ARGB32_Premultiplied) };
+        for (const QImage &picture : pictures) {
+            const QImage reference = referenceChain(picture, values);
+            withEachKernel([&](const QString &kernel) {
+                const QString difference = firstDifference(picture, FrameFilters::adjusted(picture, values), reference);
+                QVERIFY2(difference.isEmpty(), qPrintable(QStringLiteral("%1, format %2: %3").arg(kernel).arg(int(picture.format())).arg(difference)));
+            });
+        }
+    }
+
+    // The live view calls with one value after another; what is kept from the
+    // last frame must never leak into the next.
+    void tablesFollowTheValues()
+    {
+        const QImage sample = ReferenceFilters::colourCube(15);
+        const PictureAdjustments sequence[] = {
+            adjustments({ 0, 0, 0, 40, 0, 0, 0, 0, 0 }),  adjustments({ 0, 0, 0, 41, 0, 0, 0, 0, 0 }),
+            adjustments({ 0, 0, 0, 41, 0, 10, 0, 0, 0 }), adjustments({ 0, 0, 0, 41, -30, 10, 0, 0, 0 }),
+            adjustments({ 0, 0, 0, 41, -31, 10, 0, 0, 0 }), adjustments({ 0, 0, 0, 41, -31, 0, 0, 0, 0 }),
+            adjustments({ 0, 0, 0, 0, -31, 0, 0, 0, 0 }), adjustments({ 0, 0, 0, 0, -31, 0, 0, 6, 0 }),
+            adjustments({ 0, 0, 0, 41, 0, 0, 0, 0, 0 }),  adjustments({ 5, 0, 0, 41, 0, 0, 0, 0, 0 }),
+        };
+        withEachKernel([&](const QString &kernel) {
+            for (const PictureAdjustments &values : sequence) {
+                const QString difference = firstDifference(sample, FrameFilters::adjusted(sample, values), referenceChain(sample, values));
+                QVERIFY2(difference.isEmpty(), qPrintable(QStringLiteral("%1, hue %2 saturation %3 warmth %4 gain %5: %6").arg(kernel)
+                                                                  .arg(values.hue).arg(values.saturation).arg(values.whiteBalance)
+                                                                  .arg(values.gain).arg(difference)));
+            }
+        });
+    }
+
+    void anyWidth_data()
+    {
+        QTest::addColumn<int>("width");
+        for (int width : { 1, 7, 8, 9, 63, 64, 65, 71, 133 })
+            QTest::addRow("%d wide", width) << width;
+    }
+
+    // The vector loops take eight pixels, and saturation 64, at a time;
+    // lines of any other width end in the portable loops.
+    void anyWidth()
+    {
+        QFETCH(int, width);
+        QImage image(width, 3, QImage::Format_RGB32);
+        quint32 seed = 99;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < width; ++x) {
+                seed = seed * 1664525u + 1013904223u;
+                image.setPixel(x, y, seed >> 8);
+            }
+        }
+        const PictureAdjustments values = adjustments({ 0, 0, 0, 0, -40, 9, 0, 0, 0 });
+        const QImage reference = referenceChain(image, values);
+        withEachKernel([&](const QString &kernel) {
+            const QString difference = firstDifference(image, FrameFilters::adjusted(image, values), reference);
+            QVERIFY2(difference.isEmpty(), qPrintable(kernel + QStringLiteral(": ") + difference));
+        });
     }
 
     void filterEdges_data()

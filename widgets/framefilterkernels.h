@@ -1,0 +1,64 @@
+// The per-pixel loops behind the picture filters: a portable version and,
+// where the processor has it, an AVX2 one with the same output bit for bit.
+// Plain types only, so that the AVX2 file needs no Qt header (see there).
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace FrameFilterKernels {
+
+// One lookup per channel, each entry already at its channel's bits; the red
+// entries carry the opaque alpha, so a pixel is the three entries or'ed.
+struct ChannelTables
+{
+    const std::uint32_t *red = nullptr;
+    const std::uint32_t *green = nullptr;
+    const std::uint32_t *blue = nullptr;
+};
+
+// Every kernel reads the colour of count 32-bit pixels as stored, ignores
+// their alpha and writes opaque pixels. Optional tables (nullptr for none)
+// run before and after the colour step.
+struct Kernels
+{
+    bool (*allOpaque)(const std::uint32_t *pixels, std::size_t count);
+    void (*mapChannels)(std::uint32_t *pixels, std::size_t count, const ChannelTables &tables);
+    // The colour step whose result depends only on the largest and smallest
+    // channel: pairs[max << 8 | min].
+    void (*mapPairs)(std::uint32_t *pixels, std::size_t count, const ChannelTables *before,
+                     const std::uint32_t *pairs);
+    // The HSL saturation step. target[max << 8 | min] is the new saturation
+    // << 8 | lightness; the table has one spare entry at its end, so that a
+    // 32-bit read of the last one stays inside.
+    void (*saturate)(std::uint32_t *pixels, std::size_t count, const ChannelTables *before,
+                     const std::uint16_t *target, const ChannelTables *after);
+};
+
+// What the vector loops read to turn HSL into RGB as QColor does. Most hues
+// put one channel at the top, one at the bottom and mix the third; for those
+// only the mixed one is computed per pixel.
+struct HslTables
+{
+    // Per hue: the top channel's shift in bits 0-7, the bottom's in 8-15, the
+    // mixed one's in 16-23; bit 24 when the mixed one falls (QColor's third
+    // case), bit 25 when the hue is not of that simple kind.
+    const std::uint32_t *layouts = nullptr;
+    // Per hue: the mixed channel's factor.
+    const float *factors = nullptr;
+    // Per saturation << 8 | lightness: the top value, and the bottom value
+    // << 8; one spare entry at the end, as for the saturation target.
+    const std::uint16_t *topAndBottom = nullptr;
+};
+const HslTables &hslTables();
+
+const Kernels &portable();
+// nullptr when the build or the processor has no AVX2.
+const Kernels *avx2();
+
+// QColor::fromHsl(hue, s, l).rgb() for a hue of 0 to 359 and s and l above 0,
+// the portable way; the saturation step is built on it.
+std::uint32_t hslToRgb(int hue, int saturation, int lightness);
+void warmUp();
+
+} // namespace FrameFilterKernels

@@ -1,0 +1,279 @@
+// The filter loops eight pixels at a time with AVX2.
+//
+// This file alone is compiled for AVX2 and runs only after the processor has
+// been checked. It therefore includes no header with shared inline functions
+// (Qt, the standard library's algorithms): the linker may keep any one copy
+// of such a function, and this file's copy would crash an older processor.
+// Nothing here may run at start-up either, so there are no global constants.
+//
+// The saturation step repeats QColor's single-precision steps lane by lane.
+// IEEE arithmetic gives the same bits eight at a time as one at a time, as
+// long as nothing is fused into a multiply-add; the build forbids that.
+#include "framefilterkernels.h"
+
+#include <immintrin.h>
+
+namespace FrameFilterKernels {
+
+const Kernels &avx2Kernels();
+
+namespace {
+using std::size_t;
+using std::uint16_t;
+using std::uint32_t;
+
+inline __m256i load(const uint32_t *pixels)
+{
+    return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(pixels));
+}
+
+inline void store(uint32_t *pixels, __m256i value)
+{
+    _mm256_storeu_si256(reinterpret_cast<__m256i *>(pixels), value);
+}
+
+inline __m256i lookUp(const uint32_t *table, __m256i index)
+{
+    return _mm256_i32gather_epi32(reinterpret_cast<const int *>(table), index, 4);
+}
+
+inline __m256i mapped(__m256i pixels, const ChannelTables &tables)
+{
+    const __m256i byte = _mm256_set1_epi32(0xff);
+    const __m256i red = lookUp(tables.red, _mm256_and_si256(_mm256_srli_epi32(pixels, 16), byte));
+    const __m256i green = lookUp(tables.green, _mm256_and_si256(_mm256_srli_epi32(pixels, 8), byte));
+    const __m256i blue = lookUp(tables.blue, _mm256_and_si256(pixels, byte));
+    return _mm256_or_si256(_mm256_or_si256(red, green), blue);
+}
+
+// max << 8 | min of each pixel's three channels.
+inline __m256i pairIndices(__m256i pixels)
+{
+    const __m256i byte = _mm256_set1_epi32(0xff);
+    const __m256i green = _mm256_srli_epi32(pixels, 8);
+    const __m256i red = _mm256_srli_epi32(pixels, 16);
+    const __m256i maximum = _mm256_and_si256(_mm256_max_epu8(_mm256_max_epu8(pixels, green), red), byte);
+    const __m256i minimum = _mm256_and_si256(_mm256_min_epu8(_mm256_min_epu8(pixels, green), red), byte);
+    return _mm256_or_si256(_mm256_slli_epi32(maximum, 8), minimum);
+}
+
+// A channel as QColor holds it: float(i * 0x101) / 65535.
+inline __m256 channelFloat(__m256i channel)
+{
+    // i * 0x101 is whole and below 2^24: the float product is exact.
+    return _mm256_div_ps(_mm256_mul_ps(_mm256_cvtepi32_ps(channel), _mm256_set1_ps(257.0f)), _mm256_set1_ps(65535.0f));
+}
+
+inline __m256 select(__m256 mask, __m256 ifTrue, __m256 ifFalse)
+{
+    return _mm256_blendv_ps(ifFalse, ifTrue, mask);
+}
+
+inline __m256 less(__m256 a, __m256 b)
+{
+    return _mm256_cmp_ps(a, b, _CMP_LT_OQ);
+}
+
+// QColor's rounding to 16 bits (x86's qRound: add a half, truncate; never
+// negative here) and its 16- to 8-bit step.
+inline __m256i eightBit(__m256 value)
+{
+    const __m256i wide = _mm256_cvttps_epi32(_mm256_add_ps(_mm256_mul_ps(value, _mm256_set1_ps(65535.0f)),
+                                                           _mm256_set1_ps(0.5f)));
+    const __m256i rounded = _mm256_add_epi32(wide, _mm256_set1_epi32(128));
+    return _mm256_srli_epi32(_mm256_sub_epi32(rounded, _mm256_srli_epi32(rounded, 8)), 8);
+}
+
+// One channel of QColor's HSL to RGB: temp3 is the hue shifted for the
+// channel; the case it falls in picks the value.
+inline __m256i hslChannel(__m256 temp3, __m256 temp1, __m256 temp2)
+{
+    const __m256 zero = _mm256_setzero_ps();
+    const __m256 one = _mm256_set1_ps(1.0f);
+    __m256 t = select(_mm256_cmp_ps(temp3, one, _CMP_GT_OQ), _mm256_sub_ps(temp3, one), temp3);
+    t = select(less(temp3, zero), _mm256_add_ps(temp3, one), t);
+    const __m256 sixTimes = _mm256_mul_ps(t, _mm256_set1_ps(6.0f));
+    const __m256 rising = less(sixTimes, one);
+    const __m256 top = _mm256_andnot_ps(rising, less(_mm256_mul_ps(t, _mm256_set1_ps(2.0f)), one));
+    const __m256 falling = _mm256_andnot_ps(_mm256_or_ps(rising, top),
+                                            less(_mm256_mul_ps(t, _mm256_set1_ps(3.0f)), _mm256_set1_ps(2.0f)));
+    // The bottom case is temp1 itself, which a factor of 0 gives exactly.
+    const __m256 factor = select(rising, sixTimes,
+                                 select(falling, _mm256_sub_ps(_mm256_set1_ps(2.0f / 3.0f), t), zero));
+    const __m256 scale = select(falling, _mm256_set1_ps(6.0f), one);
+    const __m256 mixed = _mm256_add_ps(temp1, _mm256_mul_ps(_mm256_mul_ps(_mm256_sub_ps(temp2, temp1), factor), scale));
+    return eightBit(select(top, temp2, mixed));
+}
+
+// The HSL hue in whole degrees. QColor reaches it in single precision; the
+// exact value is 60 * (sector + n / delta) for whole n and delta, and the
+// floor of that fraction, rounded to hundredths first, is the same for every
+// 8-bit colour (the tests go through all of them). Grey pixels get hue 0.
+inline __m256i hueDegrees(__m256i red, __m256i green, __m256i blue, __m256i maximum, __m256i minimum, __m256i grey)
+{
+    const __m256i delta = _mm256_sub_epi32(maximum, minimum);
+    const __m256i redLargest = _mm256_cmpeq_epi32(red, maximum);
+    const __m256i greenLargest = _mm256_andnot_si256(redLargest, _mm256_cmpeq_epi32(green, maximum));
+    const __m256i n = _mm256_blendv_epi8(_mm256_blendv_epi8(_mm256_sub_epi32(red, green), _mm256_sub_epi32(blue, red), greenLargest),
+                                         _mm256_sub_epi32(green, blue), redLargest);
+    const __m256i sector = _mm256_blendv_epi8(_mm256_blendv_epi8(_mm256_set1_epi32(240), _mm256_set1_epi32(120), greenLargest),
+                                              _mm256_setzero_si256(), redLargest);
+    // floor((6000 n / delta + 0.5) / 100): both parts below 2^24, so exact in
+    // float, and the quotient is never within a rounding of a whole number.
+    const __m256 deltaFloat = _mm256_cvtepi32_ps(delta);
+    const __m256 numerator = _mm256_add_ps(_mm256_mul_ps(_mm256_cvtepi32_ps(n), _mm256_set1_ps(12000.0f)), deltaFloat);
+    const __m256 denominator = _mm256_mul_ps(deltaFloat, _mm256_set1_ps(200.0f));
+    __m256i hue = _mm256_add_epi32(sector, _mm256_cvttps_epi32(_mm256_floor_ps(_mm256_div_ps(numerator, denominator))));
+    hue = _mm256_add_epi32(hue, _mm256_and_si256(_mm256_cmpgt_epi32(_mm256_setzero_si256(), hue), _mm256_set1_epi32(360)));
+    // Grey lanes divided 0 by 0; their hue indexes tables all the same.
+    hue = _mm256_andnot_si256(grey, hue);
+    return _mm256_min_epi32(_mm256_max_epi32(hue, _mm256_setzero_si256()), _mm256_set1_epi32(359));
+}
+
+// QColor's temp1 and temp2 for a saturation and lightness.
+struct Bounds
+{
+    __m256 low;
+    __m256 high;
+};
+
+inline Bounds boundsOf(__m256i saturation, __m256i lightness)
+{
+    const __m256 s = channelFloat(saturation);
+    const __m256 l = channelFloat(lightness);
+    const __m256 high = select(less(l, _mm256_set1_ps(0.5f)), _mm256_mul_ps(l, _mm256_add_ps(_mm256_set1_ps(1.0f), s)),
+                               _mm256_sub_ps(_mm256_add_ps(l, s), _mm256_mul_ps(l, s)));
+    return { _mm256_sub_ps(_mm256_mul_ps(_mm256_set1_ps(2.0f), l), high), high };
+}
+
+// Any hue: every channel through QColor's four cases.
+inline __m256i anyHueRgb(__m256i hue, Bounds bounds)
+{
+    const __m256 h = _mm256_div_ps(_mm256_mul_ps(_mm256_cvtepi32_ps(hue), _mm256_set1_ps(100.0f)), _mm256_set1_ps(36000.0f));
+    const __m256 third = _mm256_set1_ps(1.0f / 3.0f);
+    const __m256i r = hslChannel(_mm256_add_ps(h, third), bounds.low, bounds.high);
+    const __m256i g = hslChannel(h, bounds.low, bounds.high);
+    const __m256i b = hslChannel(_mm256_sub_ps(h, third), bounds.low, bounds.high);
+    return _mm256_or_si256(_mm256_slli_epi32(r, 16), _mm256_or_si256(_mm256_slli_epi32(g, 8), b));
+}
+
+// A hue with one channel at the top, one at the bottom and one mixed: the
+// first two from the table, only the third computed.
+inline __m256i simpleHueRgb(__m256i layout, __m256i hue, __m256i at, Bounds bounds, const HslTables &tables)
+{
+    const __m256i byte = _mm256_set1_epi32(0xff);
+    const __m256 factor = _mm256_i32gather_ps(tables.factors, hue, 4);
+    const __m256 falling = _mm256_castsi256_ps(_mm256_cmpeq_epi32(_mm256_and_si256(layout, _mm256_set1_epi32(1 << 24)),
+                                                                  _mm256_set1_epi32(1 << 24)));
+    const __m256 scale = select(falling, _mm256_set1_ps(6.0f), _mm256_set1_ps(1.0f));
+    const __m256i mixed = eightBit(_mm256_add_ps(bounds.low, _mm256_mul_ps(_mm256_mul_ps(_mm256_sub_ps(bounds.high, bounds.low), factor), scale)));
+    const __m256i topAndBottom = _mm256_i32gather_epi32(reinterpret_cast<const int *>(tables.topAndBottom), at, 2);
+    const __m256i top = _mm256_and_si256(topAndBottom, byte);
+    const __m256i bottom = _mm256_and_si256(_mm256_srli_epi32(topAndBottom, 8), byte);
+    return _mm256_or_si256(_mm256_or_si256(_mm256_sllv_epi32(top, _mm256_and_si256(layout, byte)),
+                                           _mm256_sllv_epi32(bottom, _mm256_and_si256(_mm256_srli_epi32(layout, 8), byte))),
+                           _mm256_sllv_epi32(mixed, _mm256_and_si256(_mm256_srli_epi32(layout, 16), byte)));
+}
+
+bool allOpaque(const uint32_t *pixels, size_t count)
+{
+    __m256i all = _mm256_set1_epi32(-1);
+    size_t i = 0;
+    for (; i + 8 <= count; i += 8)
+        all = _mm256_and_si256(all, load(pixels + i));
+    const __m256i alpha = _mm256_set1_epi32(int(0xff000000u));
+    return _mm256_testc_si256(all, alpha) && portable().allOpaque(pixels + i, count - i);
+}
+
+void mapChannels(uint32_t *pixels, size_t count, const ChannelTables &tables)
+{
+    size_t i = 0;
+    for (; i + 8 <= count; i += 8)
+        store(pixels + i, mapped(load(pixels + i), tables));
+    if (i < count)
+        portable().mapChannels(pixels + i, count - i, tables);
+}
+
+void mapPairs(uint32_t *pixels, size_t count, const ChannelTables *before, const uint32_t *pairs)
+{
+    size_t i = 0;
+    for (; i + 8 <= count; i += 8) {
+        __m256i value = load(pixels + i);
+        if (before)
+            value = mapped(value, *before);
+        store(pixels + i, lookUp(pairs, pairIndices(value)));
+    }
+    if (i < count)
+        portable().mapPairs(pixels + i, count - i, before, pairs);
+}
+
+void saturate(uint32_t *pixels, size_t count, const ChannelTables *before, const uint16_t *target,
+              const ChannelTables *after)
+{
+    const __m256i byte = _mm256_set1_epi32(0xff);
+    const __m256i zero = _mm256_setzero_si256();
+    const __m256i opaque = _mm256_set1_epi32(int(0xff000000u));
+    const HslTables &tables = hslTables();
+    // Two short loops over a piece of the line rather than one long one: each
+    // group of eight is a long chain of dependent steps, and short chains let
+    // the processor work on several groups at once.
+    constexpr size_t piece = 64;
+    alignas(32) uint32_t hues[piece], ats[piece], greys[piece];
+    size_t i = 0;
+    for (; i + 8 <= count; i += piece) {
+        const size_t groups = (count - i < piece ? count - i : piece) / 8;
+        for (size_t k = 0; k < groups; ++k) {
+            __m256i value = load(pixels + i + 8 * k);
+            if (before)
+                value = mapped(value, *before);
+            const __m256i red = _mm256_and_si256(_mm256_srli_epi32(value, 16), byte);
+            const __m256i green = _mm256_and_si256(_mm256_srli_epi32(value, 8), byte);
+            const __m256i blue = _mm256_and_si256(value, byte);
+            const __m256i maximum = _mm256_max_epi32(_mm256_max_epi32(red, green), blue);
+            const __m256i minimum = _mm256_min_epi32(_mm256_min_epi32(red, green), blue);
+            const __m256i pair = _mm256_or_si256(_mm256_slli_epi32(maximum, 8), minimum);
+            const __m256i at = _mm256_and_si256(_mm256_i32gather_epi32(reinterpret_cast<const int *>(target), pair, 2),
+                                                _mm256_set1_epi32(0xffff));
+            const __m256i grey = _mm256_or_si256(_mm256_cmpeq_epi32(maximum, minimum),
+                                                 _mm256_or_si256(_mm256_cmpeq_epi32(_mm256_srli_epi32(at, 8), zero),
+                                                                 _mm256_cmpeq_epi32(_mm256_and_si256(at, byte), zero)));
+            store(ats + 8 * k, at);
+            store(greys + 8 * k, grey);
+            store(hues + 8 * k, hueDegrees(red, green, blue, maximum, minimum, grey));
+        }
+        for (size_t k = 0; k < groups; ++k) {
+            const __m256i at = load(ats + 8 * k);
+            const __m256i grey = load(greys + 8 * k);
+            const __m256i saturation = _mm256_srli_epi32(at, 8);
+            const __m256i lightness = _mm256_and_si256(at, byte);
+            const __m256i greyPixels = _mm256_or_si256(opaque, _mm256_mullo_epi32(lightness, _mm256_set1_epi32(0x010101)));
+            __m256i result = greyPixels;
+            if (_mm256_movemask_epi8(grey) != -1) {
+                const __m256i hue = load(hues + 8 * k);
+                const Bounds bounds = boundsOf(saturation, lightness);
+                const __m256i layout = _mm256_i32gather_epi32(reinterpret_cast<const int *>(tables.layouts), hue, 4);
+                const __m256i notSimple = _mm256_andnot_si256(grey, _mm256_and_si256(layout, _mm256_set1_epi32(1 << 25)));
+                const __m256i colour = _mm256_testz_si256(notSimple, notSimple) ? simpleHueRgb(layout, hue, at, bounds, tables)
+                                                                                : anyHueRgb(hue, bounds);
+                result = _mm256_blendv_epi8(_mm256_or_si256(colour, opaque), greyPixels, grey);
+            }
+            store(pixels + i + 8 * k, after ? mapped(result, *after) : result);
+        }
+        if (groups < piece / 8) {
+            i += 8 * groups;
+            break;
+        }
+    }
+    if (i < count)
+        portable().saturate(pixels + i, count - i, before, target, after);
+}
+} // namespace
+
+const Kernels &avx2Kernels()
+{
+    // Constant-initialised: no code of this file runs before the check.
+    static constexpr Kernels kernels { allOpaque, mapChannels, mapPairs, saturate };
+    return kernels;
+}
+
+} // namespace FrameFilterKernels
