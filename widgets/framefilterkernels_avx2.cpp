@@ -116,18 +116,22 @@ inline __m256i hueDegrees(__m256i red, __m256i green, __m256i blue, __m256i maxi
     const __m256i greenLargest = _mm256_andnot_si256(redLargest, _mm256_cmpeq_epi32(green, maximum));
     const __m256i n = _mm256_blendv_epi8(_mm256_blendv_epi8(_mm256_sub_epi32(red, green), _mm256_sub_epi32(blue, red), greenLargest),
                                          _mm256_sub_epi32(green, blue), redLargest);
-    const __m256i sector = _mm256_blendv_epi8(_mm256_blendv_epi8(_mm256_set1_epi32(240), _mm256_set1_epi32(120), greenLargest),
-                                              _mm256_setzero_si256(), redLargest);
-    // floor((6000 n / delta + 0.5) / 100): both parts below 2^24, so exact in
-    // float, and the quotient is never within a rounding of a whole number.
+    // The sector less 64: 64 whole turns of 100 hundredths are added to the
+    // fraction below so that it is positive and truncation is its floor.
+    const __m256i sector = _mm256_blendv_epi8(_mm256_blendv_epi8(_mm256_set1_epi32(240 - 64), _mm256_set1_epi32(120 - 64), greenLargest),
+                                              _mm256_set1_epi32(-64), redLargest);
+    // floor((6000 n / delta + 0.5) / 100) + 64 as one fraction; its parts
+    // are whole and below 2^24, so exact in float, and the quotient is never
+    // within a rounding of a whole number.
     const __m256 deltaFloat = _mm256_cvtepi32_ps(delta);
-    const __m256 numerator = _mm256_add_ps(_mm256_mul_ps(_mm256_cvtepi32_ps(n), _mm256_set1_ps(12000.0f)), deltaFloat);
+    const __m256 numerator = _mm256_add_ps(_mm256_mul_ps(_mm256_cvtepi32_ps(n), _mm256_set1_ps(12000.0f)),
+                                           _mm256_mul_ps(deltaFloat, _mm256_set1_ps(1.0f + 64 * 200)));
     const __m256 denominator = _mm256_mul_ps(deltaFloat, _mm256_set1_ps(200.0f));
-    __m256i hue = _mm256_add_epi32(sector, _mm256_cvttps_epi32(_mm256_floor_ps(_mm256_div_ps(numerator, denominator))));
+    __m256i hue = _mm256_add_epi32(sector, _mm256_cvttps_epi32(_mm256_div_ps(numerator, denominator)));
     hue = _mm256_add_epi32(hue, _mm256_and_si256(_mm256_cmpgt_epi32(_mm256_setzero_si256(), hue), _mm256_set1_epi32(360)));
-    // Grey lanes divided 0 by 0; their hue indexes tables all the same.
-    hue = _mm256_andnot_si256(grey, hue);
-    return _mm256_min_epi32(_mm256_max_epi32(hue, _mm256_setzero_si256()), _mm256_set1_epi32(359));
+    // Grey lanes divided 0 by 0; hue 0 keeps their table reads in bounds.
+    // Every other lane is within 0 to 359: the tests try every colour.
+    return _mm256_andnot_si256(grey, hue);
 }
 
 // QColor's temp1 and temp2 for a saturation and lightness.
