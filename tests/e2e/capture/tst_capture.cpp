@@ -79,14 +79,14 @@ bool showsPicture(MainWindow &window)
 QImage settledPicture(MainWindow &window)
 {
     QImage picture;
-    QTest::qWaitFor([&] {
+    const bool settled = QTest::qWaitFor([&] {
         if (!showsPicture(window))
             return false;
         QTest::qWait(500);
         picture = livePicture(window);
         return showsPicture(picture);
     }, 10000);
-    return picture;
+    return settled ? picture : QImage();
 }
 
 // Two pictures a little apart that both show the camera's frame and differ.
