@@ -280,7 +280,8 @@ bool processorHasAvx2()
 
 const Kernels &portable()
 {
-    static const Kernels kernels { allOpaque, mapChannels, mapPairs, saturate };
+    // One byte at a time, the clamped additions cost more than three look-ups.
+    static const Kernels kernels { allOpaque, mapChannels, nullptr, mapPairs, saturate };
     return kernels;
 }
 

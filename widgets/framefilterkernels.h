@@ -24,6 +24,10 @@ struct Kernels
 {
     bool (*allOpaque)(const std::uint32_t *pixels, std::size_t count);
     void (*mapChannels)(std::uint32_t *pixels, std::size_t count, const ChannelTables &tables);
+    // The channel steps that only add to or take from each channel, clamped:
+    // raise and lower hold the amounts at each channel's bits. nullptr where
+    // the table look-ups are faster.
+    void (*shiftChannels)(std::uint32_t *pixels, std::size_t count, std::uint32_t raise, std::uint32_t lower);
     // The colour step whose result depends only on the largest and smallest
     // channel: pairs[max << 8 | min].
     void (*mapPairs)(std::uint32_t *pixels, std::size_t count, const ChannelTables *before,

@@ -198,6 +198,24 @@ void mapChannels(uint32_t *pixels, size_t count, const ChannelTables &tables)
         portable().mapChannels(pixels + i, count - i, tables);
 }
 
+// Saturating byte arithmetic is the clamp itself, 32 channels at a time.
+void shiftChannels(uint32_t *pixels, size_t count, uint32_t raise, uint32_t lower)
+{
+    const __m256i up = _mm256_set1_epi32(int(raise));
+    const __m256i down = _mm256_set1_epi32(int(lower));
+    const __m256i opaque = _mm256_set1_epi32(int(0xff000000u));
+    const auto shifted = [&](__m256i value) { return _mm256_or_si256(_mm256_subs_epu8(_mm256_adds_epu8(value, up), down), opaque); };
+    size_t i = 0;
+    for (; i + 8 <= count; i += 8)
+        store(pixels + i, shifted(load(pixels + i)));
+    if (i < count) {
+        // The last few pixels of a line through a mask, so nothing past it is touched.
+        const __m256i mask = _mm256_cmpgt_epi32(_mm256_set1_epi32(int(count - i)), _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7));
+        int *last = reinterpret_cast<int *>(pixels + i);
+        _mm256_maskstore_epi32(last, mask, shifted(_mm256_maskload_epi32(last, mask)));
+    }
+}
+
 void mapPairs(uint32_t *pixels, size_t count, const ChannelTables *before, const uint32_t *pairs)
 {
     size_t i = 0;
@@ -276,7 +294,7 @@ void saturate(uint32_t *pixels, size_t count, const ChannelTables *before, const
 const Kernels &avx2Kernels()
 {
     // Constant-initialised: no code of this file runs before the check.
-    static constexpr Kernels kernels { allOpaque, mapChannels, mapPairs, saturate };
+    static constexpr Kernels kernels { allOpaque, mapChannels, shiftChannels, mapPairs, saturate };
     return kernels;
 }
 

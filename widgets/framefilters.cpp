@@ -14,6 +14,7 @@
 #include <cmath>
 #include <cstring>
 #include <optional>
+#include <utility>
 
 #include <QColor>
 #include <QMutex>
@@ -147,6 +148,23 @@ struct ChannelSteps
         return red == other.red && green == other.green && blue == other.blue;
     }
     bool operator!=(const ChannelSteps &other) const { return !(*this == other); }
+
+    // Brightness and warmth only add to a channel and clamp; when the steps
+    // come to that, the amounts at each channel's bits, raising and lowering.
+    std::optional<std::pair<quint32, quint32>> asShifts() const
+    {
+        quint32 raise = 0, lower = 0;
+        const std::pair<const Table *, int> channels[] = { { &red, 16 }, { &green, 8 }, { &blue, 0 } };
+        for (const auto &[table, at] : channels) {
+            const int amount = (*table)[0] > 0 ? (*table)[0] : (*table)[255] - 255;
+            for (int i = 0; i < 256; ++i) {
+                if ((*table)[i] != qBound(0, i + amount, 255))
+                    return std::nullopt;
+            }
+            (amount > 0 ? raise : lower) |= quint32(qAbs(amount)) << at;
+        }
+        return std::make_pair(raise, lower);
+    }
 };
 
 // The steps as the kernels read them, each entry at its channel's bits.
@@ -305,6 +323,8 @@ public:
             pairs = colourTables.pairs(plan, kernels);
         else if (plan.saturation)
             target = colourTables.target(*plan.saturation);
+        else if (plan.before && kernels.shiftChannels)
+            shifts = plan.before->asShifts();
         beforeTables = before ? before->tables() : ChannelTables();
         afterTables = after ? after->tables() : ChannelTables();
     }
@@ -316,6 +336,8 @@ public:
             kernels.mapPairs(pixels, count, first, pairs);
         else if (target)
             kernels.saturate(pixels, count, first, target, after ? &afterTables : nullptr);
+        else if (shifts)
+            kernels.shiftChannels(pixels, count, shifts->first, shifts->second);
         else if (first)
             kernels.mapChannels(pixels, count, *first);
     }
@@ -328,6 +350,7 @@ private:
     ChannelTables afterTables;
     const quint32 *pairs = nullptr;
     const quint16 *target = nullptr;
+    std::optional<std::pair<quint32, quint32>> shifts;
 };
 
 QMutex tablesLock;
