@@ -207,7 +207,7 @@ private:
     std::array<std::array<Channel, 3>, 360> channels {};
     std::array<quint32, 360> packedLayouts {};
     std::array<float, 360> mixedFactors {};
-    std::array<quint16, 65536 + 1> topAndBottom {};
+    std::array<quint16, 65536> topAndBottom {};
 };
 
 const HslToRgb &converter()
@@ -239,7 +239,7 @@ void mapPairs(uint32_t *pixels, std::size_t count, const ChannelTables *before, 
     }
 }
 
-void saturate(uint32_t *pixels, std::size_t count, const ChannelTables *before, const std::uint16_t *target,
+void saturate(uint32_t *pixels, std::size_t count, const ChannelTables *before, const uint32_t *target,
               const ChannelTables *after)
 {
     const HslToRgb &hsl = converter();
@@ -248,7 +248,7 @@ void saturate(uint32_t *pixels, std::size_t count, const ChannelTables *before, 
         const int r = qRed(pixel), g = qGreen(pixel), b = qBlue(pixel);
         const int maximum = qMax(qMax(r, g), b);
         const int minimum = qMin(qMin(r, g), b);
-        const int at = target[pairIndex(maximum, minimum)];
+        const int at = int(target[pairIndex(maximum, minimum)] & 0xffff);
         uint32_t result;
         // A grey, a colour whose saturation drops to 0, or black keeps only
         // its lightness.

@@ -33,10 +33,10 @@ struct Kernels
     void (*mapPairs)(std::uint32_t *pixels, std::size_t count, const ChannelTables *before,
                      const std::uint32_t *pairs);
     // The HSL saturation step. target[max << 8 | min] is the new saturation
-    // << 8 | lightness; the table has one spare entry at its end, so that a
-    // 32-bit read of the last one stays inside.
+    // << 8 | the lightness in the low 16 bits, and above them what
+    // topAndBottom holds for those two.
     void (*saturate)(std::uint32_t *pixels, std::size_t count, const ChannelTables *before,
-                     const std::uint16_t *target, const ChannelTables *after);
+                     const std::uint32_t *target, const ChannelTables *after);
 };
 
 // What the vector loops read to turn HSL into RGB as QColor does. Most hues
@@ -50,8 +50,7 @@ struct HslTables
     const std::uint32_t *layouts = nullptr;
     // Per hue: the mixed channel's factor.
     const float *factors = nullptr;
-    // Per saturation << 8 | lightness: the top value, and the bottom value
-    // << 8; one spare entry at the end, as for the saturation target.
+    // Per saturation << 8 | lightness: the top value, and the bottom value << 8.
     const std::uint16_t *topAndBottom = nullptr;
 };
 const HslTables &hslTables();

@@ -162,8 +162,8 @@ inline __m256i anyHueRgb(__m256i hue, Bounds bounds)
 }
 
 // A hue with one channel at the top, one at the bottom and one mixed: the
-// first two from the table, only the third computed.
-inline __m256i simpleHueRgb(__m256i layout, __m256i hue, __m256i at, Bounds bounds, const HslTables &tables)
+// first two come with the saturation target, only the third is computed.
+inline __m256i simpleHueRgb(__m256i layout, __m256i hue, __m256i topAndBottom, Bounds bounds, const HslTables &tables)
 {
     const __m256i byte = _mm256_set1_epi32(0xff);
     const __m256 factor = _mm256_i32gather_ps(tables.factors, hue, 4);
@@ -171,7 +171,6 @@ inline __m256i simpleHueRgb(__m256i layout, __m256i hue, __m256i at, Bounds boun
                                                                   _mm256_set1_epi32(1 << 24)));
     const __m256 scale = select(falling, _mm256_set1_ps(6.0f), _mm256_set1_ps(1.0f));
     const __m256i mixed = eightBit(_mm256_add_ps(bounds.low, _mm256_mul_ps(_mm256_mul_ps(_mm256_sub_ps(bounds.high, bounds.low), factor), scale)));
-    const __m256i topAndBottom = _mm256_i32gather_epi32(reinterpret_cast<const int *>(tables.topAndBottom), at, 2);
     const __m256i top = _mm256_and_si256(topAndBottom, byte);
     const __m256i bottom = _mm256_and_si256(_mm256_srli_epi32(topAndBottom, 8), byte);
     return _mm256_or_si256(_mm256_or_si256(_mm256_sllv_epi32(top, _mm256_and_si256(layout, byte)),
@@ -229,7 +228,7 @@ void mapPairs(uint32_t *pixels, size_t count, const ChannelTables *before, const
         portable().mapPairs(pixels + i, count - i, before, pairs);
 }
 
-void saturate(uint32_t *pixels, size_t count, const ChannelTables *before, const uint16_t *target,
+void saturate(uint32_t *pixels, size_t count, const ChannelTables *before, const uint32_t *target,
               const ChannelTables *after)
 {
     const __m256i byte = _mm256_set1_epi32(0xff);
@@ -240,7 +239,7 @@ void saturate(uint32_t *pixels, size_t count, const ChannelTables *before, const
     // group of eight is a long chain of dependent steps, and short chains let
     // the processor work on several groups at once.
     constexpr size_t piece = 64;
-    alignas(32) uint32_t hues[piece], ats[piece], greys[piece];
+    alignas(32) uint32_t hues[piece], entries[piece], greys[piece];
     size_t i = 0;
     for (; i + 8 <= count; i += piece) {
         const size_t groups = (count - i < piece ? count - i : piece) / 8;
@@ -254,17 +253,18 @@ void saturate(uint32_t *pixels, size_t count, const ChannelTables *before, const
             const __m256i maximum = _mm256_max_epi32(_mm256_max_epi32(red, green), blue);
             const __m256i minimum = _mm256_min_epi32(_mm256_min_epi32(red, green), blue);
             const __m256i pair = _mm256_or_si256(_mm256_slli_epi32(maximum, 8), minimum);
-            const __m256i at = _mm256_and_si256(_mm256_i32gather_epi32(reinterpret_cast<const int *>(target), pair, 2),
-                                                _mm256_set1_epi32(0xffff));
+            const __m256i entry = lookUp(target, pair);
+            const __m256i at = _mm256_and_si256(entry, _mm256_set1_epi32(0xffff));
             const __m256i grey = _mm256_or_si256(_mm256_cmpeq_epi32(maximum, minimum),
                                                  _mm256_or_si256(_mm256_cmpeq_epi32(_mm256_srli_epi32(at, 8), zero),
                                                                  _mm256_cmpeq_epi32(_mm256_and_si256(at, byte), zero)));
-            store(ats + 8 * k, at);
+            store(entries + 8 * k, entry);
             store(greys + 8 * k, grey);
             store(hues + 8 * k, hueDegrees(red, green, blue, maximum, minimum, grey));
         }
         for (size_t k = 0; k < groups; ++k) {
-            const __m256i at = load(ats + 8 * k);
+            const __m256i entry = load(entries + 8 * k);
+            const __m256i at = _mm256_and_si256(entry, _mm256_set1_epi32(0xffff));
             const __m256i grey = load(greys + 8 * k);
             const __m256i saturation = _mm256_srli_epi32(at, 8);
             const __m256i lightness = _mm256_and_si256(at, byte);
@@ -275,7 +275,7 @@ void saturate(uint32_t *pixels, size_t count, const ChannelTables *before, const
                 const Bounds bounds = boundsOf(saturation, lightness);
                 const __m256i layout = _mm256_i32gather_epi32(reinterpret_cast<const int *>(tables.layouts), hue, 4);
                 const __m256i notSimple = _mm256_andnot_si256(grey, _mm256_and_si256(layout, _mm256_set1_epi32(1 << 25)));
-                const __m256i colour = _mm256_testz_si256(notSimple, notSimple) ? simpleHueRgb(layout, hue, at, bounds, tables)
+                const __m256i colour = _mm256_testz_si256(notSimple, notSimple) ? simpleHueRgb(layout, hue, _mm256_srli_epi32(entry, 16), bounds, tables)
                                                                                 : anyHueRgb(hue, bounds);
                 result = _mm256_blendv_epi8(_mm256_or_si256(colour, opaque), greyPixels, grey);
             }

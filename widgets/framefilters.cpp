@@ -254,13 +254,17 @@ private:
 class ColourTables
 {
 public:
-    // Per channel pair: the new saturation << 8 | the lightness.
-    const quint16 *target(int s)
+    // Per channel pair: the new saturation << 8 | the lightness, and the
+    // top and bottom channel values those give, as the kernels read them.
+    const quint32 *target(int s)
     {
         if (!targetShift || *targetShift != s) {
             const PairTables &pairs = pairTables();
-            for (int at = 0; at < 65536; ++at)
-                targetTable[at] = quint16((qBound(0, pairs.hslSaturation[at] + s, 255) << 8) | pairs.lightness[at]);
+            const quint16 *topAndBottom = FrameFilterKernels::hslTables().topAndBottom;
+            for (int pair = 0; pair < 65536; ++pair) {
+                const int at = (qBound(0, pairs.hslSaturation[pair] + s, 255) << 8) | pairs.lightness[pair];
+                targetTable[pair] = quint32(at) | quint32(topAndBottom[at]) << 16;
+            }
             targetShift = s;
         }
         return targetTable.data();
@@ -303,7 +307,7 @@ public:
 
 private:
     std::optional<int> targetShift;
-    std::array<quint16, 65536 + 1> targetTable {};
+    std::array<quint32, 65536> targetTable {};
     int tintHue = -1;
     std::array<quint32, 65536> tinted {};
     std::optional<int> pairsHue;
@@ -349,7 +353,7 @@ private:
     ChannelTables beforeTables;
     ChannelTables afterTables;
     const quint32 *pairs = nullptr;
-    const quint16 *target = nullptr;
+    const quint32 *target = nullptr;
     std::optional<std::pair<quint32, quint32>> shifts;
 };
 
