@@ -201,6 +201,7 @@ private:
     void readMicrophoneLevel();
     void deletePipeline();
     void showWaitingPage();
+    void checkFirstFrame();
 
     // mainwindow_recording.cpp
     void applySizeLimitEntry(int entry);
@@ -231,6 +232,9 @@ private:
     QString currentMoviePath;
     QCameraDevice startedCameraDevice;
     QTimer focusHintTimer;
+    // A camera's first picture comes well within this many milliseconds.
+    static constexpr int firstFrameWait = 3000;
+    QTimer firstFrameTimer;
     QCameraDevice currentCameraDevice;
     QAudioDevice chosenMicrophone;
 
@@ -254,6 +258,7 @@ private:
     int rotationMode = 0;
     PictureAdjustments adjustments;
     bool cameraLive = false;
+    bool frameSinceStart = false;
     bool liveInformationShown = true;
     bool fullScreen = false;
     bool splitPending = false;
