@@ -60,9 +60,6 @@ MainWindow::MainWindow(QWidget *parent)
     focusHintTimer.setObjectName(QStringLiteral("focusHintTimer"));
     focusHintTimer.setSingleShot(true);
     connect(&focusHintTimer, SIGNAL(timeout()), this, SLOT(hideFocusRect()));
-    firstFrameTimer.setSingleShot(true);
-    firstFrameTimer.setInterval(firstFrameWait);
-    connect(&firstFrameTimer, &QTimer::timeout, this, &MainWindow::checkFirstFrame);
 }
 
 MainWindow::~MainWindow()

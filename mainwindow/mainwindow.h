@@ -201,7 +201,6 @@ private:
     void readMicrophoneLevel();
     void deletePipeline();
     void showWaitingPage();
-    void checkFirstFrame();
 
     // mainwindow_recording.cpp
     void applySizeLimitEntry(int entry);
@@ -232,9 +231,6 @@ private:
     QString currentMoviePath;
     QCameraDevice startedCameraDevice;
     QTimer focusHintTimer;
-    // A camera's first picture comes well within this many milliseconds.
-    static constexpr int firstFrameWait = 3000;
-    QTimer firstFrameTimer;
     QCameraDevice currentCameraDevice;
     QAudioDevice chosenMicrophone;
 
@@ -258,7 +254,6 @@ private:
     int rotationMode = 0;
     PictureAdjustments adjustments;
     bool cameraLive = false;
-    bool frameSinceStart = false;
     bool liveInformationShown = true;
     bool fullScreen = false;
     bool splitPending = false;

@@ -197,27 +197,6 @@ void MainWindow::setCamera(QCameraDevice cameraInfo)
     refillLiveInformation();
 
     setupIdleUIState();
-
-    frameSinceStart = false;
-    firstFrameTimer.start();
-}
-
-void MainWindow::checkFirstFrame()
-{
-    // Qt's video sink gives up starting when this thread is busy for over a
-    // second while the camera starts (applying the format restarts it, and a
-    // loaded machine is slow), and the pipeline then never shows a picture.
-    // Setting the camera up again from the event loop starts it cleanly.
-    if (!camera || !cameraLive || frameSinceStart)
-        return;
-    if (recorder && recorder->recorderState() != QMediaRecorder::StoppedState) {
-        // Never taken down under a recording; look again later.
-        firstFrameTimer.start();
-        return;
-    }
-    qCWarning(lcCapture) << "No picture from" << currentCameraDevice.description() << "yet; setting the camera up again";
-    releaseVideoOutput();
-    setCamera(currentCameraDevice);
 }
 
 void MainWindow::setupLevelMeter()
@@ -288,7 +267,6 @@ void MainWindow::handleVideoFrame(QVideoFrame videoframe)
 {
     // Only the newest frame is kept; a burst between two paints costs assignments.
     currentFrame = videoframe;
-    frameSinceStart = true;
     videoWidget->update();
 }
 
