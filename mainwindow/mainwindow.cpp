@@ -45,6 +45,7 @@ MainWindow::MainWindow(QWidget *parent)
 
     readSettings();
 
+    startVideoThread();
     discoverAvailableCameras();
     if (!availableCameras.isEmpty()) {
         setCamera(availableCameras.first());
@@ -73,6 +74,7 @@ MainWindow::~MainWindow()
     camera = nullptr;
     delete audioInput;
     audioInput = nullptr;
+    stopVideoThread();
 
     delete audioInfo;
     audioInfo = nullptr;
@@ -93,10 +95,9 @@ QSize MainWindow::initialSize() const
 
 void MainWindow::releaseVideoOutput()
 {
-    // A sink whose start timed out while this thread was busy waits for the
-    // pipeline to play, holding up the camera's streaming thread; taking
-    // the camera down then waits on that thread for ever. Detaching the
-    // video output first lets the sink go and the streaming thread finish.
+    // A sink still starting holds up the camera's streaming thread, and
+    // taking the camera down waits on that thread; detaching the video
+    // output first lets the streaming thread finish.
     captureSession.setVideoSink(nullptr);
 }
 

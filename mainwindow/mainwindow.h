@@ -12,10 +12,12 @@
 #include <QImageCapture>
 #include <QList>
 #include <QMainWindow>
+#include <QMutex>
 #include <QMediaCaptureSession>
 #include <QMediaRecorder>
 #include <QModelIndex>
 #include <QStringList>
+#include <QThread>
 #include <QTimer>
 #include <QVideoFrame>
 #include <QVideoSink>
@@ -201,6 +203,10 @@ private:
     void readMicrophoneLevel();
     void deletePipeline();
     void showWaitingPage();
+    void startVideoThread();
+    void stopVideoThread();
+    void postFrame(const QVideoFrame &frame);
+    void takeNewestFrame();
 
     // mainwindow_recording.cpp
     void applySizeLimitEntry(int entry);
@@ -218,7 +224,14 @@ private:
     void setStorageBrowserRoot(const QString &root);
 
     // Capture pipeline; the by-value members in the order they are made.
-    QVideoSink videoSink;
+    // Made and deleted on videoThread (see startVideoThread).
+    QVideoSink *videoSink = nullptr;
+    QThread videoThread;
+    QObject *videoThreadContext = nullptr;
+    // The newest frame from the video thread, waiting for this one.
+    QMutex newestFrameLock;
+    QVideoFrame newestFrame;
+    bool newestFrameWaiting = false;
     QAudioDevice audioOutputDevice;
     QVideoFrame currentFrame;
     QStringList recognisedNames;

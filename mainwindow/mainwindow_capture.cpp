@@ -2,6 +2,8 @@
 // renderer, microphone volume, mute and level meter.
 #include "mainwindow.h"
 
+#include <utility>
+
 #include <QAction>
 #include <QAudioInput>
 #include <QAudioSink>
@@ -134,8 +136,7 @@ void MainWindow::setCamera(QCameraDevice cameraInfo)
     camera = new QCamera(cameraInfo);
 
     captureSession.setCamera(camera);
-    captureSession.setVideoSink(&videoSink);
-    connect(&videoSink, &QVideoSink::videoFrameChanged, this, &MainWindow::handleVideoFrame, Qt::UniqueConnection);
+    captureSession.setVideoSink(videoSink);
 
     if (audioInput) {
         connect(audioInput, SIGNAL(volumeChanged(float )), this, SLOT(updateAudioOutVolum(float)));
@@ -261,6 +262,59 @@ void MainWindow::fillResolutionMenu()
         resolutionActions[i]->setText(DeviceRecognition::resolutionText(resolutions.at(i)));
         resolutionActions[i]->setChecked(i == 0);
     }
+}
+
+void MainWindow::startVideoThread()
+{
+    // Qt's video sink hands its start and every frame to the thread it was
+    // made on, and waits: a second at most for the start, then it gives up
+    // for good and the live view stays stuck. On this thread any camera
+    // start or busy moment risked that; on a thread of its own it is served
+    // at once, and frames reach this thread as posted events.
+    videoThread.setObjectName(QStringLiteral("OrvixVideo"));
+    videoThread.start();
+    videoThreadContext = new QObject;
+    videoThreadContext->moveToThread(&videoThread);
+    QMetaObject::invokeMethod(videoThreadContext, [this] {
+        videoSink = new QVideoSink;
+        connect(videoSink, &QVideoSink::videoFrameChanged, videoSink, [this](const QVideoFrame &frame) { postFrame(frame); },
+                Qt::DirectConnection);
+    }, Qt::BlockingQueuedConnection);
+}
+
+void MainWindow::stopVideoThread()
+{
+    QMetaObject::invokeMethod(videoThreadContext, [this] {
+        delete videoSink;
+        videoSink = nullptr;
+        delete videoThreadContext;
+        videoThreadContext = nullptr;
+    }, Qt::BlockingQueuedConnection);
+    videoThread.quit();
+    videoThread.wait();
+}
+
+// On the video thread: only the newest frame waits, so a busy window skips
+// frames instead of queuing them.
+void MainWindow::postFrame(const QVideoFrame &frame)
+{
+    QMutexLocker locker(&newestFrameLock);
+    newestFrame = frame;
+    if (newestFrameWaiting)
+        return;
+    newestFrameWaiting = true;
+    QMetaObject::invokeMethod(this, &MainWindow::takeNewestFrame, Qt::QueuedConnection);
+}
+
+void MainWindow::takeNewestFrame()
+{
+    QVideoFrame frame;
+    {
+        QMutexLocker locker(&newestFrameLock);
+        frame = std::exchange(newestFrame, QVideoFrame());
+        newestFrameWaiting = false;
+    }
+    handleVideoFrame(frame);
 }
 
 void MainWindow::handleVideoFrame(QVideoFrame videoframe)

@@ -11,6 +11,7 @@
 #include <QSignalSpy>
 #include <QSlider>
 #include <QStackedWidget>
+#include <QThread>
 
 #include "app/settingskeys.h"
 #include "capture/orvixdevicewatchdogtask.h"
@@ -230,6 +231,21 @@ private slots:
         QVERIFY(pictureMovesWithin(window, 15000));
 
         saveScreenshot(window, QStringLiteral("live"));
+    }
+
+    // Qt's video sink waits for the thread it lives on and gives up after a
+    // second; a busy window at a camera start used to leave the view stuck.
+    void liveViewStartsThoughTheWindowIsBusy()
+    {
+        devices.setCameras({ VirtualDevices::cameraLine(fullHd) });
+        waitForCameras({ fullHd });
+        MainWindow window;
+        window.show();
+        QThread::msleep(2500);
+        QVERIFY(pictureMovesWithin(window, 15000));
+        // And while it runs: frames wait for the window instead of piling up.
+        QThread::msleep(1500);
+        QVERIFY(pictureMovesWithin(window, 15000));
     }
 
     void unrecognisedSuffixIsIgnored()
