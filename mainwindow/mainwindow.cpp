@@ -76,10 +76,9 @@ MainWindow::~MainWindow()
     audioInput = nullptr;
     stopVideoThread();
 
+    deleteAudioSource();
     delete audioInfo;
     audioInfo = nullptr;
-    delete audioSource;
-    audioSource = nullptr;
     delete audioSink;
     audioSink = nullptr;
     // The watchdog belongs to the scheduler.

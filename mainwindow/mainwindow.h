@@ -200,6 +200,7 @@ private:
     void chooseCameraFormat();
     void fillResolutionMenu();
     void setupLevelMeter();
+    void deleteAudioSource();
     void readMicrophoneLevel();
     void deletePipeline();
     void showWaitingPage();

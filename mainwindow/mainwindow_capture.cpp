@@ -9,6 +9,7 @@
 #include <QAudioSink>
 #include <QAudioSource>
 #include <QCamera>
+#include <QCoreApplication>
 #include <QMediaDevices>
 #include <QMediaFormat>
 #include <QPainter>
@@ -205,9 +206,7 @@ void MainWindow::setupLevelMeter()
     const QAudioFormat format = levelMeterFormat();
     delete audioInfo;
     audioInfo = new AudioInfo(format);
-    delete audioSource;
-    audioSource = nullptr;
-    audioSourceDevice = nullptr;
+    deleteAudioSource();
     // Without a recognised microphone there is no level to show; an empty
     // device would otherwise open the system's default input.
     if (!chosenMicrophone.isNull())
@@ -223,9 +222,23 @@ void MainWindow::setupLevelMeter()
         connect(audioSourceDevice, &QIODevice::readyRead, audioSourceDevice, [this] { readMicrophoneLevel(); });
 }
 
+void MainWindow::deleteAudioSource()
+{
+    // Qt's PulseAudio source posts itself a call for every block it reads.
+    // One still waiting when the source closes reads a stream that is gone
+    // and aborts the program; delivered first, it reads one that is there.
+    if (audioSourceDevice)
+        QObject::disconnect(audioSourceDevice, &QIODevice::readyRead, nullptr, nullptr);
+    audioSourceDevice = nullptr;
+    if (audioSource)
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::MetaCall);
+    delete audioSource;
+    audioSource = nullptr;
+}
+
 void MainWindow::readMicrophoneLevel()
 {
-    if (!audioSource || !audioSourceDevice)
+    if (!audioSource || !audioSourceDevice || !audioInfo)
         return;
     const qint64 wanted = qMin<qint64>(audioSource->bytesAvailable(), maximumLevelBlock);
     if (wanted <= 0)
