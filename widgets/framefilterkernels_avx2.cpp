@@ -84,27 +84,6 @@ inline __m256i eightBit(__m256 value)
     return _mm256_srli_epi32(_mm256_sub_epi32(rounded, _mm256_srli_epi32(rounded, 8)), 8);
 }
 
-// One channel of QColor's HSL to RGB: temp3 is the hue shifted for the
-// channel; the case it falls in picks the value.
-inline __m256i hslChannel(__m256 temp3, __m256 temp1, __m256 temp2)
-{
-    const __m256 zero = _mm256_setzero_ps();
-    const __m256 one = _mm256_set1_ps(1.0f);
-    __m256 t = select(_mm256_cmp_ps(temp3, one, _CMP_GT_OQ), _mm256_sub_ps(temp3, one), temp3);
-    t = select(less(temp3, zero), _mm256_add_ps(temp3, one), t);
-    const __m256 sixTimes = _mm256_mul_ps(t, _mm256_set1_ps(6.0f));
-    const __m256 rising = less(sixTimes, one);
-    const __m256 top = _mm256_andnot_ps(rising, less(_mm256_mul_ps(t, _mm256_set1_ps(2.0f)), one));
-    const __m256 falling = _mm256_andnot_ps(_mm256_or_ps(rising, top),
-                                            less(_mm256_mul_ps(t, _mm256_set1_ps(3.0f)), _mm256_set1_ps(2.0f)));
-    // The bottom case is temp1 itself, which a factor of 0 gives exactly.
-    const __m256 factor = select(rising, sixTimes,
-                                 select(falling, _mm256_sub_ps(_mm256_set1_ps(2.0f / 3.0f), t), zero));
-    const __m256 scale = select(falling, _mm256_set1_ps(6.0f), one);
-    const __m256 mixed = _mm256_add_ps(temp1, _mm256_mul_ps(_mm256_mul_ps(_mm256_sub_ps(temp2, temp1), factor), scale));
-    return eightBit(select(top, temp2, mixed));
-}
-
 // The HSL hue in whole degrees. QColor reaches it in single precision; the
 // exact value is 60 * (sector + n / delta) for whole n and delta, and the
 // floor of that fraction, rounded to hundredths first, is the same for every
@@ -148,17 +127,6 @@ inline Bounds boundsOf(__m256i saturation, __m256i lightness)
     const __m256 high = select(less(l, _mm256_set1_ps(0.5f)), _mm256_mul_ps(l, _mm256_add_ps(_mm256_set1_ps(1.0f), s)),
                                _mm256_sub_ps(_mm256_add_ps(l, s), _mm256_mul_ps(l, s)));
     return { _mm256_sub_ps(_mm256_mul_ps(_mm256_set1_ps(2.0f), l), high), high };
-}
-
-// Any hue: every channel through QColor's four cases.
-inline __m256i anyHueRgb(__m256i hue, Bounds bounds)
-{
-    const __m256 h = _mm256_div_ps(_mm256_mul_ps(_mm256_cvtepi32_ps(hue), _mm256_set1_ps(100.0f)), _mm256_set1_ps(36000.0f));
-    const __m256 third = _mm256_set1_ps(1.0f / 3.0f);
-    const __m256i r = hslChannel(_mm256_add_ps(h, third), bounds.low, bounds.high);
-    const __m256i g = hslChannel(h, bounds.low, bounds.high);
-    const __m256i b = hslChannel(_mm256_sub_ps(h, third), bounds.low, bounds.high);
-    return _mm256_or_si256(_mm256_slli_epi32(r, 16), _mm256_or_si256(_mm256_slli_epi32(g, 8), b));
 }
 
 // A hue with one channel at the top, one at the bottom and one mixed: the
@@ -272,11 +240,15 @@ void saturate(uint32_t *pixels, size_t count, const ChannelTables *before, const
             __m256i result = greyPixels;
             if (_mm256_movemask_epi8(grey) != -1) {
                 const __m256i hue = load(hues + 8 * k);
-                const Bounds bounds = boundsOf(saturation, lightness);
                 const __m256i layout = _mm256_i32gather_epi32(reinterpret_cast<const int *>(tables.layouts), hue, 4);
                 const __m256i notSimple = _mm256_andnot_si256(grey, _mm256_and_si256(layout, _mm256_set1_epi32(1 << 25)));
-                const __m256i colour = _mm256_testz_si256(notSimple, notSimple) ? simpleHueRgb(layout, hue, _mm256_srli_epi32(entry, 16), bounds, tables)
-                                                                                : anyHueRgb(hue, bounds);
+                if (!_mm256_testz_si256(notSimple, notSimple)) {
+                    // Hue 180 mixes two channels; rare enough for the portable
+                    // loop, which reads these pixels as they still stand.
+                    portable().saturate(pixels + i + 8 * k, 8, before, target, after);
+                    continue;
+                }
+                const __m256i colour = simpleHueRgb(layout, hue, _mm256_srli_epi32(entry, 16), boundsOf(saturation, lightness), tables);
                 result = _mm256_blendv_epi8(_mm256_or_si256(colour, opaque), greyPixels, grey);
             }
             store(pixels + i + 8 * k, after ? mapped(result, *after) : result);
