@@ -198,6 +198,7 @@ private:
     // mainwindow_capture.cpp
     void discoverAvailableCameras();
     void chooseCameraFormat();
+    QList<QCameraFormat> thirtyFpsFormats(const QCameraDevice &device) const;
     void fillResolutionMenu();
     void setupLevelMeter();
     void deleteAudioSource();

@@ -185,6 +185,12 @@ void MainWindow::setCamera(QCameraDevice cameraInfo)
     connect(camera, SIGNAL(lockStatusChanged( QCamera::LockStatus, QCamera::LockChangeReason )),
             this, SLOT(updateCameraLockState( QCamera::LockStatus, QCamera::LockChangeReason )));
 
+    // Giving a running camera its format restarts it, and a restart while
+    // the pipeline first settles can deadlock Qt's pipeline; so the camera
+    // gets the format it will be given below before it starts.
+    const QList<QCameraFormat> startFormats = thirtyFpsFormats(cameraInfo);
+    if (!startFormats.isEmpty())
+        camera->setCameraFormat(startFormats.first());
     camera->setActive(true);
     startedCameraDevice = cameraInfo;
     stopMediaPlayer();
@@ -249,22 +255,29 @@ void MainWindow::readMicrophoneLevel()
         audioVolumChange(audioInfo->calculateLevel(block.constData(), read));
 }
 
-void MainWindow::chooseCameraFormat()
+QList<QCameraFormat> MainWindow::thirtyFpsFormats(const QCameraDevice &device) const
 {
-    resolutionIndex = DeviceRecognition::initialResolutionIndex(currentCameraDevice.description());
-
-    const QList<QCameraFormat> formats = currentCameraDevice.videoFormats();
+    const QList<QCameraFormat> formats = device.videoFormats();
     QList<DeviceRecognition::FormatInfo> infos;
     for (const QCameraFormat &format : formats)
         infos.append({ format.resolution(), format.maxFrameRate() });
-    cameraFormats.clear();
+    QList<QCameraFormat> chosen;
     for (int index : DeviceRecognition::selectFormats(infos, formatFrameRate))
-        cameraFormats.append(formats.at(index));
+        chosen.append(formats.at(index));
+    return chosen;
+}
+
+void MainWindow::chooseCameraFormat()
+{
+    resolutionIndex = DeviceRecognition::initialResolutionIndex(currentCameraDevice.description());
+    cameraFormats = thirtyFpsFormats(currentCameraDevice);
 
     for (int i = 0; i < 3; ++i)
         resolutionActions[i]->setChecked(i == 0);
-    // A camera with no 30 fps format keeps its own default format.
-    if (!cameraFormats.isEmpty())
+    // A camera with no 30 fps format keeps its own default format. The
+    // camera was given this one before it started (see setCamera); Qt would
+    // restart it for the same format again.
+    if (!cameraFormats.isEmpty() && camera->cameraFormat() != cameraFormats.first())
         camera->setCameraFormat(cameraFormats.first());
 }
 
