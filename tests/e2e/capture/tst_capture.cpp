@@ -335,7 +335,7 @@ private slots:
         QVERIFY(window.currentAudioInput());
         QCOMPARE(window.currentAudioInput()->device().description(), QStringLiteral("ORVIX HIGH DEFINITION MIC II rear"));
         // The sine drives the meter above its resting frame.
-        QTRY_VERIFY_WITH_TIMEOUT(window.levelMeter()->stopAtFrame() >= 1, 5000);
+        QTRY_VERIFY_WITH_TIMEOUT(window.levelMeter()->stopAtFrame() >= 1, 15000);
     }
 
     void volumeAndMute()
