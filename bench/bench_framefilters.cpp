@@ -141,17 +141,19 @@ const ReferenceFilter referenceFilters[] = {
     { "referenceWhiteBalance", [](const QImage &f) { return ReferenceFilters::warmth(f, 12); } },
 };
 
-// Each fast filter twice: with the AVX2 loops where the processor has them,
-// and with the portable loops every build has.
+// The benchmark name of a filter run with one set of loops.
+std::string nameWith(const char *filter, FrameFilters::Loops loops)
+{
+    return std::string(filter) + "." + FrameFilters::loopsName(loops).toStdString();
+}
+
+// Each fast filter with every set of loops the processor has.
 void registerAll()
 {
-    for (const bool vector : { true, false }) {
-        if (vector && !FrameFilters::vectorKernelsAvailable())
-            continue;
+    for (const FrameFilters::Loops loops : FrameFilters::availableLoops()) {
         for (const FastFilter &fast : fastFilters) {
-            const std::string name = std::string(fast.name) + (vector ? "" : ".portable");
-            benchmark::RegisterBenchmark(name.c_str(), [fast, vector](benchmark::State &state) {
-                FrameFilters::setVectorKernelsEnabled(vector);
+            benchmark::RegisterBenchmark(nameWith(fast.name, loops).c_str(), [fast, loops](benchmark::State &state) {
+                FrameFilters::useLoops(loops);
                 run(state, fast.filter);
             })->Unit(benchmark::kMillisecond)->Repetitions(5)->ReportAggregatesOnly(true)->ComputeStatistics("min", minimum);
         }
@@ -183,21 +185,31 @@ int main(int argc, char **argv)
     benchmark::Shutdown();
 
     auto ms = [&reporter](const std::string &name) { return reporter.millis.count(name) ? reporter.millis[name] : 0.0; };
-    const bool vector = FrameFilters::vectorKernelsAvailable();
-    const std::string fastest = vector ? "" : ".portable";
-    const double copyMs = ms("copyFrame" + fastest);
+    // Fastest first.
+    QList<FrameFilters::Loops> sets = FrameFilters::availableLoops();
+    std::reverse(sets.begin(), sets.end());
+    const FrameFilters::Loops fastest = sets.constFirst();
+    const double copyMs = ms(nameWith("copyFrame", fastest));
     std::printf("\n1920x1080, one core, best of 5 runs. Each fast filter works in place on a fresh\n"
                 "copy of the frame, as the live view does; \"alone\" takes that copy away.\n"
-                "Ratios are against the copy. AVX2 loops: %s.\n\n", vector ? "yes" : "not on this processor");
-    std::printf("%-24s %10s %10s %10s %16s\n", "", "ms/frame", "alone", "x copy", "portable alone");
+                "Ratios are against the copy. The loops run by default: %s.\n\n",
+                qPrintable(FrameFilters::loopsName(fastest)));
+    std::printf("%-24s %10s %10s %10s", "", "ms/frame", "alone", "x copy");
+    for (const FrameFilters::Loops loops : sets.mid(1))
+        std::printf(" %16s", qPrintable(FrameFilters::loopsName(loops) + QStringLiteral(" alone")));
+    std::printf("\n");
+    const auto alone = [&ms](const FastFilter &fast, FrameFilters::Loops loops) {
+        const double total = ms(nameWith(fast.name, loops));
+        return std::string(fast.name) == "copyFrame" ? total : total - ms(nameWith("copyFrame", loops));
+    };
     for (const FastFilter &fast : fastFilters) {
-        const std::string name = fast.name;
-        if (!reporter.millis.count(name + fastest))
+        if (!reporter.millis.count(nameWith(fast.name, fastest)))
             continue;
-        const double total = ms(name + fastest);
-        const double alone = name == "copyFrame" ? total : total - copyMs;
-        const double portable = name == "copyFrame" ? ms(name + ".portable") : ms(name + ".portable") - ms("copyFrame.portable");
-        std::printf("%-24s %10.2f %10.2f %10.1f %16.2f\n", fast.name, total, alone, alone / copyMs, portable);
+        std::printf("%-24s %10.2f %10.2f %10.1f", fast.name, ms(nameWith(fast.name, fastest)), alone(fast, fastest),
+                    alone(fast, fastest) / copyMs);
+        for (const FrameFilters::Loops loops : sets.mid(1))
+            std::printf(" %16.2f", alone(fast, loops));
+        std::printf("\n");
     }
     for (const ReferenceFilter &reference : referenceFilters) {
         if (reporter.millis.count(reference.name))
@@ -206,7 +218,7 @@ int main(int argc, char **argv)
     std::printf("%-24s %10.2f %10.2f %10.1f\n", "colour tables, once", tablesMs, tablesMs, tablesMs / copyMs);
     const double literal = ms("referenceHue") + ms("referenceSaturation");
     std::printf("\nhue and saturation, literal per-pixel QColor / fast: %.0fx\n",
-                literal / (ms("hue" + fastest) + ms("saturation" + fastest) - 2 * copyMs));
-    std::printf("whole chain: %.1f frames per second on one core\n", 1000.0 / ms("chainAllNine" + fastest));
+                literal / (ms(nameWith("hue", fastest)) + ms(nameWith("saturation", fastest)) - 2 * copyMs));
+    std::printf("whole chain: %.1f frames per second on one core\n", 1000.0 / ms(nameWith("chainAllNine", fastest)));
     return 0;
 }

@@ -1,4 +1,4 @@
-// The portable per-pixel loops, and the choice of the AVX2 ones.
+// The portable per-pixel loops, and the choice of the vector ones.
 //
 // The saturation step once went through QColor for every pixel. The colour
 // it gives depends on the pixel's HSL hue, which is computed here with
@@ -11,15 +11,17 @@
 
 #include <QColor>
 
-#if defined(ORVIX_AVX2_KERNELS) && defined(_MSC_VER)
+#if defined(ORVIX_VECTOR_KERNELS) && defined(_MSC_VER)
 #include <intrin.h>
 #endif
 
 namespace FrameFilterKernels {
 
-#if defined(ORVIX_AVX2_KERNELS)
-// In the AVX2 file; only called once the processor is known to have it.
+#if defined(ORVIX_VECTOR_KERNELS)
+// In the AVX2 and AVX-512 files; only called once the processor is known to
+// have what they need.
 const Kernels &avx2Kernels();
+const Kernels &avx512Kernels();
 #endif
 
 namespace {
@@ -112,8 +114,9 @@ public:
         const float scale = (layout & falling) ? 6.0f : 1.0f;
         // x * 1.0f is x, so a rising channel gets QColor's bits as well.
         const int mixed = eightBit[qRound((bounds.low + (bounds.high - bounds.low) * mixedFactors[hue] * scale) * USHRT_MAX)];
-        return 0xff000000u | (quint32(topAndBottom[at] & 0xff) << (layout & 0xff))
-                | (quint32(topAndBottom[at] >> 8) << ((layout >> 8) & 0xff)) | (quint32(mixed) << ((layout >> 16) & 0xff));
+        const quint32 source = topAndBottom[at] | quint32(mixed) << 16;
+        const auto byte = [source, layout](int k) { return (source >> (8 * ((layout >> (8 * k)) & 3))) & 0xff; };
+        return 0xff000000u | byte(2) << 16 | byte(1) << 8 | byte(0);
     }
 
     inline QRgb rgb(int hue, int saturation, int lightness) const
@@ -141,8 +144,8 @@ private:
         Case kind = Bottom;
         float factor = 0.0f;
     };
-    static constexpr quint32 falling = 1u << 24;
-    static constexpr quint32 notSimple = 1u << 25;
+    static constexpr quint32 falling = 0x10u << 24;
+    static constexpr quint32 notSimple = 0x20u << 24;
 
     void makeLayouts()
     {
@@ -177,8 +180,10 @@ private:
         const int bottomChannel = simple && atBottom(first) ? first : second;
         const int mixedChannel = bottomChannel == first ? second : first;
         const Channel &mixed = hueChannels[mixedChannel];
-        const auto shift = [](int c) { return quint32(16 - 8 * c); };
-        packedLayouts[hue] = simple ? shift(topChannel) | shift(bottomChannel) << 8 | shift(mixedChannel) << 16
+        // Red, green and blue are the pixel's bytes 2, 1 and 0; alpha takes
+        // the source's byte 3.
+        const auto from = [](int c, quint32 source) { return source << (8 * (2 - c)); };
+        packedLayouts[hue] = simple ? from(topChannel, 0) | from(bottomChannel, 1) | from(mixedChannel, 2) | 3u << 24
                                             | (mixed.kind == Falling ? falling : 0u)
                                     : notSimple;
         mixedFactors[hue] = mixed.kind == Bottom ? 0.0f : mixed.factor;
@@ -239,7 +244,7 @@ void mapPairs(uint32_t *pixels, std::size_t count, const ChannelTables *before, 
     }
 }
 
-void saturate(uint32_t *pixels, std::size_t count, const ChannelTables *before, const uint32_t *target,
+void saturate(uint32_t *pixels, std::size_t count, const ChannelTables *before, const SaturationStep &step,
               const ChannelTables *after)
 {
     const HslToRgb &hsl = converter();
@@ -248,7 +253,7 @@ void saturate(uint32_t *pixels, std::size_t count, const ChannelTables *before, 
         const int r = qRed(pixel), g = qGreen(pixel), b = qBlue(pixel);
         const int maximum = qMax(qMax(r, g), b);
         const int minimum = qMin(qMin(r, g), b);
-        const int at = int(target[pairIndex(maximum, minimum)] & 0xffff);
+        const int at = int(step.target[pairIndex(maximum, minimum)] & 0xffff);
         uint32_t result;
         // A grey, a colour whose saturation drops to 0, or black keeps only
         // its lightness.
@@ -262,18 +267,39 @@ void saturate(uint32_t *pixels, std::size_t count, const ChannelTables *before, 
     }
 }
 
-#if defined(ORVIX_AVX2_KERNELS)
-bool processorHasAvx2()
+#if defined(ORVIX_VECTOR_KERNELS)
+// Which vector instructions the processor has and the system saves with
+// each thread: AVX2, and AVX-512 with its byte and word instructions and
+// byte permutes.
+struct VectorSupport
 {
+    bool avx2 = false;
+    bool avx512 = false;
+
+    VectorSupport()
+    {
 #if defined(_MSC_VER)
-    int info[4];
-    __cpuid(info, 1);
-    const bool osSavesAvx = (info[2] & (1 << 27)) && (info[2] & (1 << 28)) && (_xgetbv(0) & 6) == 6;
-    __cpuidex(info, 7, 0);
-    return osSavesAvx && (info[1] & (1 << 5));
+        int info[4];
+        __cpuid(info, 1);
+        if (!(info[2] & (1 << 27)) || !(info[2] & (1 << 28)))
+            return;
+        const unsigned long long saved = _xgetbv(0);
+        __cpuidex(info, 7, 0);
+        avx2 = (saved & 0x6) == 0x6 && (info[1] & (1 << 5));
+        // The opmask and upper register state as well as the AVX state.
+        avx512 = avx2 && (saved & 0xe6) == 0xe6 && (info[1] & (1 << 16)) && (info[1] & (1 << 30)) && (info[2] & (1 << 1));
 #else
-    return __builtin_cpu_supports("avx2");
+        avx2 = __builtin_cpu_supports("avx2");
+        avx512 = avx2 && __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw")
+                && __builtin_cpu_supports("avx512vbmi");
 #endif
+    }
+};
+
+const VectorSupport &vectorSupport()
+{
+    static const VectorSupport support;
+    return support;
 }
 #endif
 } // namespace
@@ -287,9 +313,17 @@ const Kernels &portable()
 
 const Kernels *avx2()
 {
-#if defined(ORVIX_AVX2_KERNELS)
-    static const bool usable = processorHasAvx2();
-    return usable ? &avx2Kernels() : nullptr;
+#if defined(ORVIX_VECTOR_KERNELS)
+    return vectorSupport().avx2 ? &avx2Kernels() : nullptr;
+#else
+    return nullptr;
+#endif
+}
+
+const Kernels *avx512()
+{
+#if defined(ORVIX_VECTOR_KERNELS)
+    return vectorSupport().avx512 ? &avx512Kernels() : nullptr;
 #else
     return nullptr;
 #endif

@@ -1,6 +1,7 @@
 // The per-pixel loops behind the picture filters: a portable version and,
-// where the processor has it, an AVX2 one with the same output bit for bit.
-// Plain types only, so that the AVX2 file needs no Qt header (see there).
+// where the processor has them, AVX2 and AVX-512 ones with the same output
+// bit for bit. Plain types only, so that the vector files need no Qt header
+// (see there).
 #pragma once
 
 #include <cstddef>
@@ -15,6 +16,19 @@ struct ChannelTables
     const std::uint32_t *red = nullptr;
     const std::uint32_t *green = nullptr;
     const std::uint32_t *blue = nullptr;
+    // The three again as plain values, blue, green and red one after the
+    // other, for the loops that look up bytes.
+    const std::uint8_t *bytes = nullptr;
+};
+
+// The HSL saturation step: each colour's saturation moves by shift, clamped.
+// target[max << 8 | min] holds the new saturation << 8 | the lightness in
+// its low 16 bits and, above them, what topAndBottom holds for those two;
+// loops that work this out faster than they can look it up use shift.
+struct SaturationStep
+{
+    int shift = 0;
+    const std::uint32_t *target = nullptr;
 };
 
 // Every kernel reads the colour of count 32-bit pixels as stored, ignores
@@ -32,11 +46,8 @@ struct Kernels
     // channel: pairs[max << 8 | min].
     void (*mapPairs)(std::uint32_t *pixels, std::size_t count, const ChannelTables *before,
                      const std::uint32_t *pairs);
-    // The HSL saturation step. target[max << 8 | min] is the new saturation
-    // << 8 | the lightness in the low 16 bits, and above them what
-    // topAndBottom holds for those two.
     void (*saturate)(std::uint32_t *pixels, std::size_t count, const ChannelTables *before,
-                     const std::uint32_t *target, const ChannelTables *after);
+                     const SaturationStep &step, const ChannelTables *after);
 };
 
 // What the vector loops read to turn HSL into RGB as QColor does. Most hues
@@ -44,9 +55,11 @@ struct Kernels
 // only the mixed one is computed per pixel.
 struct HslTables
 {
-    // Per hue: the top channel's shift in bits 0-7, the bottom's in 8-15, the
-    // mixed one's in 16-23; bit 24 when the mixed one falls (QColor's third
-    // case), bit 25 when the hue is not of that simple kind.
+    // Per hue, a byte shuffle: byte k of the pixel (blue, green, red, alpha)
+    // is byte (layout >> 8k) & 3 of top | bottom << 8 | mixed << 16 | 0xff << 24.
+    // Bit 4 of the last byte is set when the mixed channel falls (QColor's
+    // third case), bit 5 when the hue is not of that simple kind; a byte
+    // shuffle reads neither.
     const std::uint32_t *layouts = nullptr;
     // Per hue: the mixed channel's factor.
     const float *factors = nullptr;
@@ -58,6 +71,8 @@ const HslTables &hslTables();
 const Kernels &portable();
 // nullptr when the build or the processor has no AVX2.
 const Kernels *avx2();
+// nullptr without AVX-512 and its byte permutes (F, BW and VBMI).
+const Kernels *avx512();
 
 // QColor::fromHsl(hue, s, l).rgb() for a hue of 0 to 359 and s and l above 0,
 // the portable way; the saturation step is built on it.

@@ -130,20 +130,20 @@ inline Bounds boundsOf(__m256i saturation, __m256i lightness)
 }
 
 // A hue with one channel at the top, one at the bottom and one mixed: the
-// first two come with the saturation target, only the third is computed.
+// first two come with the saturation target, only the third is computed,
+// and the layout's byte shuffle puts the three in their places.
 inline __m256i simpleHueRgb(__m256i layout, __m256i hue, __m256i topAndBottom, Bounds bounds, const HslTables &tables)
 {
-    const __m256i byte = _mm256_set1_epi32(0xff);
     const __m256 factor = _mm256_i32gather_ps(tables.factors, hue, 4);
-    const __m256 falling = _mm256_castsi256_ps(_mm256_cmpeq_epi32(_mm256_and_si256(layout, _mm256_set1_epi32(1 << 24)),
-                                                                  _mm256_set1_epi32(1 << 24)));
+    const __m256 falling = _mm256_castsi256_ps(_mm256_cmpeq_epi32(_mm256_and_si256(layout, _mm256_set1_epi32(0x10 << 24)),
+                                                                  _mm256_set1_epi32(0x10 << 24)));
     const __m256 scale = select(falling, _mm256_set1_ps(6.0f), _mm256_set1_ps(1.0f));
     const __m256i mixed = eightBit(_mm256_add_ps(bounds.low, _mm256_mul_ps(_mm256_mul_ps(_mm256_sub_ps(bounds.high, bounds.low), factor), scale)));
-    const __m256i top = _mm256_and_si256(topAndBottom, byte);
-    const __m256i bottom = _mm256_and_si256(_mm256_srli_epi32(topAndBottom, 8), byte);
-    return _mm256_or_si256(_mm256_or_si256(_mm256_sllv_epi32(top, _mm256_and_si256(layout, byte)),
-                                           _mm256_sllv_epi32(bottom, _mm256_and_si256(_mm256_srli_epi32(layout, 8), byte))),
-                           _mm256_sllv_epi32(mixed, _mm256_and_si256(_mm256_srli_epi32(layout, 16), byte)));
+    const __m256i source = _mm256_or_si256(_mm256_or_si256(topAndBottom, _mm256_slli_epi32(mixed, 16)), _mm256_set1_epi32(int(0xff000000u)));
+    // The shuffle works within 16 bytes: each pixel's picks move to its own four.
+    const __m256i order = _mm256_add_epi32(layout, _mm256_setr_epi32(0, 0x04040404, 0x08080808, 0x0c0c0c0c, 0, 0x04040404,
+                                                                     0x08080808, 0x0c0c0c0c));
+    return _mm256_shuffle_epi8(source, order);
 }
 
 bool allOpaque(const uint32_t *pixels, size_t count)
@@ -196,7 +196,7 @@ void mapPairs(uint32_t *pixels, size_t count, const ChannelTables *before, const
         portable().mapPairs(pixels + i, count - i, before, pairs);
 }
 
-void saturate(uint32_t *pixels, size_t count, const ChannelTables *before, const uint32_t *target,
+void saturate(uint32_t *pixels, size_t count, const ChannelTables *before, const SaturationStep &step,
               const ChannelTables *after)
 {
     const __m256i byte = _mm256_set1_epi32(0xff);
@@ -221,7 +221,7 @@ void saturate(uint32_t *pixels, size_t count, const ChannelTables *before, const
             const __m256i maximum = _mm256_max_epi32(_mm256_max_epi32(red, green), blue);
             const __m256i minimum = _mm256_min_epi32(_mm256_min_epi32(red, green), blue);
             const __m256i pair = _mm256_or_si256(_mm256_slli_epi32(maximum, 8), minimum);
-            const __m256i entry = lookUp(target, pair);
+            const __m256i entry = lookUp(step.target, pair);
             const __m256i at = _mm256_and_si256(entry, _mm256_set1_epi32(0xffff));
             const __m256i grey = _mm256_or_si256(_mm256_cmpeq_epi32(maximum, minimum),
                                                  _mm256_or_si256(_mm256_cmpeq_epi32(_mm256_srli_epi32(at, 8), zero),
@@ -238,20 +238,28 @@ void saturate(uint32_t *pixels, size_t count, const ChannelTables *before, const
             const __m256i lightness = _mm256_and_si256(at, byte);
             const __m256i greyPixels = _mm256_or_si256(opaque, _mm256_mullo_epi32(lightness, _mm256_set1_epi32(0x010101)));
             __m256i result = greyPixels;
+            int twoMixed = 0;
+            alignas(32) uint32_t stood[8];
             if (_mm256_movemask_epi8(grey) != -1) {
                 const __m256i hue = load(hues + 8 * k);
                 const __m256i layout = _mm256_i32gather_epi32(reinterpret_cast<const int *>(tables.layouts), hue, 4);
-                const __m256i notSimple = _mm256_andnot_si256(grey, _mm256_and_si256(layout, _mm256_set1_epi32(1 << 25)));
-                if (!_mm256_testz_si256(notSimple, notSimple)) {
-                    // Hue 180 mixes two channels; rare enough for the portable
-                    // loop, which reads these pixels as they still stand.
-                    portable().saturate(pixels + i + 8 * k, 8, before, target, after);
-                    continue;
-                }
+                const __m256i notSimpleBit = _mm256_set1_epi32(0x20 << 24);
+                const __m256i notSimple = _mm256_andnot_si256(grey, _mm256_cmpeq_epi32(_mm256_and_si256(layout, notSimpleBit), notSimpleBit));
+                twoMixed = _mm256_movemask_ps(_mm256_castsi256_ps(notSimple));
+                if (twoMixed)
+                    store(stood, load(pixels + i + 8 * k));
                 const __m256i colour = simpleHueRgb(layout, hue, _mm256_srli_epi32(entry, 16), boundsOf(saturation, lightness), tables);
-                result = _mm256_blendv_epi8(_mm256_or_si256(colour, opaque), greyPixels, grey);
+                result = _mm256_blendv_epi8(colour, greyPixels, grey);
             }
             store(pixels + i + 8 * k, after ? mapped(result, *after) : result);
+            // Hue 180 mixes two channels; rare enough for the portable loop,
+            // pixel by pixel, from the pixel as it stood.
+            for (size_t lane = 0; twoMixed && lane < 8; ++lane) {
+                if (twoMixed & (1 << lane)) {
+                    pixels[i + 8 * k + lane] = stood[lane];
+                    portable().saturate(pixels + i + 8 * k + lane, 1, before, step, after);
+                }
+            }
         }
         if (groups < piece / 8) {
             i += 8 * groups;
@@ -259,7 +267,7 @@ void saturate(uint32_t *pixels, size_t count, const ChannelTables *before, const
         }
     }
     if (i < count)
-        portable().saturate(pixels + i, count - i, before, target, after);
+        portable().saturate(pixels + i, count - i, before, step, after);
 }
 } // namespace
 

@@ -74,12 +74,27 @@ namespace {
 using FrameFilterKernels::ChannelTables;
 using FrameFilterKernels::Kernels;
 
-std::atomic<bool> vectorKernelsEnabled { true };
+const Kernels *kernelsOf(FrameFilters::Loops loops)
+{
+    switch (loops) {
+    case FrameFilters::Loops::Portable:
+        return &FrameFilterKernels::portable();
+    case FrameFilters::Loops::Avx2:
+        return FrameFilterKernels::avx2();
+    case FrameFilters::Loops::Avx512:
+        return FrameFilterKernels::avx512();
+    }
+    return nullptr;
+}
+
+std::atomic<const Kernels *> chosenKernels { nullptr };
 
 const Kernels &kernels()
 {
-    const Kernels *vector = FrameFilterKernels::avx2();
-    return vector && vectorKernelsEnabled ? *vector : FrameFilterKernels::portable();
+    if (const Kernels *chosen = chosenKernels.load())
+        return *chosen;
+    static const Kernels *const fastest = kernelsOf(FrameFilters::availableLoops().constLast());
+    return *fastest;
 }
 
 inline int pairIndex(int maximum, int minimum)
@@ -177,13 +192,17 @@ public:
             red[i] = 0xff000000u | (quint32(steps.red[i]) << 16);
             green[i] = quint32(steps.green[i]) << 8;
             blue[i] = quint32(steps.blue[i]);
+            bytes[i] = steps.blue[i];
+            bytes[256 + i] = steps.green[i];
+            bytes[512 + i] = steps.red[i];
         }
     }
 
-    ChannelTables tables() const { return { red.data(), green.data(), blue.data() }; }
+    ChannelTables tables() const { return { red.data(), green.data(), blue.data(), bytes.data() }; }
 
 private:
     std::array<quint32, 256> red, green, blue;
+    std::array<quint8, 768> bytes;
 };
 
 // A run of filters as at most three passes' worth of work done in one: the
@@ -256,7 +275,7 @@ class ColourTables
 public:
     // Per channel pair: the new saturation << 8 | the lightness, and the
     // top and bottom channel values those give, as the kernels read them.
-    const quint32 *target(int s)
+    FrameFilterKernels::SaturationStep saturation(int s)
     {
         if (!targetShift || *targetShift != s) {
             const PairTables &pairs = pairTables();
@@ -267,7 +286,7 @@ public:
             }
             targetShift = s;
         }
-        return targetTable.data();
+        return { s, targetTable.data() };
     }
 
     // Per channel pair: the hue's tint, then saturation and the later steps.
@@ -290,7 +309,7 @@ public:
             const std::optional<PackedSteps> after = packed(plan.after);
             const ChannelTables afterTables = after ? after->tables() : ChannelTables();
             if (plan.saturation)
-                kernels.saturate(pairTable.data(), pairTable.size(), nullptr, target(*plan.saturation), after ? &afterTables : nullptr);
+                kernels.saturate(pairTable.data(), pairTable.size(), nullptr, saturation(*plan.saturation), after ? &afterTables : nullptr);
             else if (after)
                 kernels.mapChannels(pairTable.data(), pairTable.size(), afterTables);
             pairsHue = plan.hue;
@@ -326,7 +345,7 @@ public:
         if (plan.hue)
             pairs = colourTables.pairs(plan, kernels);
         else if (plan.saturation)
-            target = colourTables.target(*plan.saturation);
+            saturation = colourTables.saturation(*plan.saturation);
         else if (plan.before && kernels.shiftChannels)
             shifts = plan.before->asShifts();
         beforeTables = before ? before->tables() : ChannelTables();
@@ -338,8 +357,8 @@ public:
         const ChannelTables *first = before ? &beforeTables : nullptr;
         if (pairs)
             kernels.mapPairs(pixels, count, first, pairs);
-        else if (target)
-            kernels.saturate(pixels, count, first, target, after ? &afterTables : nullptr);
+        else if (saturation)
+            kernels.saturate(pixels, count, first, *saturation, after ? &afterTables : nullptr);
         else if (shifts)
             kernels.shiftChannels(pixels, count, shifts->first, shifts->second);
         else if (first)
@@ -353,7 +372,7 @@ private:
     ChannelTables beforeTables;
     ChannelTables afterTables;
     const quint32 *pairs = nullptr;
-    const quint32 *target = nullptr;
+    std::optional<FrameFilterKernels::SaturationStep> saturation;
     std::optional<std::pair<quint32, quint32>> shifts;
 };
 
@@ -511,14 +530,32 @@ void warmUpColourTables()
     FrameFilterKernels::warmUp();
 }
 
-bool vectorKernelsAvailable()
+QList<Loops> availableLoops()
 {
-    return FrameFilterKernels::avx2() != nullptr;
+    QList<Loops> loops;
+    for (const Loops each : { Loops::Portable, Loops::Avx2, Loops::Avx512 }) {
+        if (kernelsOf(each))
+            loops.append(each);
+    }
+    return loops;
 }
 
-void setVectorKernelsEnabled(bool enabled)
+void useLoops(Loops loops)
 {
-    vectorKernelsEnabled = enabled;
+    chosenKernels = kernelsOf(loops);
+}
+
+QString loopsName(Loops loops)
+{
+    switch (loops) {
+    case Loops::Portable:
+        return QStringLiteral("portable");
+    case Loops::Avx2:
+        return QStringLiteral("AVX2");
+    case Loops::Avx512:
+        return QStringLiteral("AVX-512");
+    }
+    return QString();
 }
 
 QRgb hslToRgb(int hue, int saturation, int lightness)

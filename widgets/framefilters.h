@@ -4,8 +4,10 @@
 #include <array>
 
 #include <QImage>
+#include <QList>
 #include <QRect>
 #include <QSize>
+#include <QString>
 
 // The eleven adjustment values of the Video Quality dialog; 0 means none.
 struct PictureAdjustments
@@ -61,10 +63,13 @@ QImage adjusted(const QImage &image, const PictureAdjustments &values);
 // so that the first adjusted frame does not wait. Safe from any thread.
 void warmUpColourTables();
 
-// The AVX2 loops run where the processor has them. The portable ones can be
-// chosen instead, so that the tests hold both to the same pictures.
-bool vectorKernelsAvailable();
-void setVectorKernelsEnabled(bool enabled);
+// The per-pixel loops: the fastest set the processor has runs, but any set
+// it has can be chosen, so that the tests hold each to the same pictures.
+enum class Loops { Portable, Avx2, Avx512 };
+// Portable first, the fastest last.
+QList<Loops> availableLoops();
+void useLoops(Loops loops);
+QString loopsName(Loops loops);
 
 // QColor::fromHsl(hue, saturation, lightness, 255).rgb(), as the saturation
 // filter computes it.

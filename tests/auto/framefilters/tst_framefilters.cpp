@@ -63,19 +63,18 @@ const FilterPair filters[] = {
 };
 
 // Runs a check once with each set of per-pixel loops this processor has:
-// the portable ones always, the AVX2 ones where there are any.
+// the portable ones always, the vector ones where there are any.
 template<typename Check>
 void withEachKernel(Check check)
 {
-    for (const bool vector : { false, true }) {
-        if (vector && !FrameFilters::vectorKernelsAvailable())
-            continue;
-        FrameFilters::setVectorKernelsEnabled(vector);
-        check(vector ? QStringLiteral("AVX2") : QStringLiteral("portable"));
+    const QList<FrameFilters::Loops> sets = FrameFilters::availableLoops();
+    for (const FrameFilters::Loops loops : sets) {
+        FrameFilters::useLoops(loops);
+        check(FrameFilters::loopsName(loops));
         if (QTest::currentTestFailed())
             break;
     }
-    FrameFilters::setVectorKernelsEnabled(true);
+    FrameFilters::useLoops(sets.constLast());
 }
 
 // The literal chain: each non-zero adjustment in the fixed order.
@@ -328,12 +327,13 @@ private slots:
     void anyWidth_data()
     {
         QTest::addColumn<int>("width");
-        for (int width : { 1, 7, 8, 9, 63, 64, 65, 71, 133 })
+        for (int width : { 1, 7, 8, 9, 15, 16, 17, 63, 64, 65, 71, 133 })
             QTest::addRow("%d wide", width) << width;
     }
 
-    // The vector loops take eight pixels, and saturation 64, at a time;
-    // lines of any other width end in the portable loops.
+    // The vector loops take eight or sixteen pixels, and AVX2's saturation
+    // 64, at a time; the rest of a line ends in the portable loops or goes
+    // through masks.
     void anyWidth()
     {
         QFETCH(int, width);

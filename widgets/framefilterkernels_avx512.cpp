@@ -1,0 +1,273 @@
+// The filter loops sixteen pixels at a time with AVX-512. Its byte permutes
+// look each channel's 256 values up in registers, where AVX2 gathers them
+// from memory, and masked loads and stores take a line's last few pixels.
+//
+// As with the AVX2 file, this one alone is compiled for these instructions
+// and runs only after the processor has been checked: it includes no header
+// with shared inline functions and has no global constants. QColor's
+// single-precision steps are repeated lane by lane as there, and the build
+// forbids fusing them into multiply-adds here too.
+#include "framefilterkernels.h"
+
+#include <immintrin.h>
+
+namespace FrameFilterKernels {
+
+const Kernels &avx512Kernels();
+
+namespace {
+using std::size_t;
+using std::uint32_t;
+using std::uint8_t;
+
+// The lanes of a group of sixteen that hold pixels.
+inline __mmask16 lanesFor(size_t left)
+{
+    return left >= 16 ? __mmask16(0xffff) : __mmask16((1u << left) - 1);
+}
+
+inline __m512i load(const uint32_t *pixels, __mmask16 lanes)
+{
+    return _mm512_maskz_loadu_epi32(lanes, pixels);
+}
+
+inline void store(uint32_t *pixels, __mmask16 lanes, __m512i value)
+{
+    _mm512_mask_storeu_epi32(pixels, lanes, value);
+}
+
+inline __m512i opaque()
+{
+    return _mm512_set1_epi32(int(0xff000000u));
+}
+
+// For a byte shuffle: the offset of each pixel's own four bytes in its 16.
+inline __m512i ownBytes()
+{
+    return _mm512_set4_epi32(0x0c0c0c0c, 0x08080808, 0x04040404, 0);
+}
+
+// 256 byte values in four registers.
+struct ByteTable
+{
+    __m512i quarter[4];
+};
+
+inline ByteTable byteTable(const uint8_t *bytes)
+{
+    return { { _mm512_loadu_si512(bytes), _mm512_loadu_si512(bytes + 64), _mm512_loadu_si512(bytes + 128),
+               _mm512_loadu_si512(bytes + 192) } };
+}
+
+// Every byte of index looked up; high marks those of 128 and above.
+inline __m512i lookUp(const ByteTable &table, __m512i index, __mmask64 high)
+{
+    const __m512i low = _mm512_permutex2var_epi8(table.quarter[0], index, table.quarter[1]);
+    const __m512i upper = _mm512_permutex2var_epi8(table.quarter[2], index, table.quarter[3]);
+    return _mm512_mask_blend_epi8(high, low, upper);
+}
+
+struct ChannelBytes
+{
+    ByteTable blue, green, red;
+};
+
+inline ChannelBytes channelBytes(const ChannelTables *tables)
+{
+    if (!tables)
+        return ChannelBytes();
+    return { byteTable(tables->bytes), byteTable(tables->bytes + 256), byteTable(tables->bytes + 512) };
+}
+
+inline __m512i mapped(__m512i pixels, const ChannelBytes &tables)
+{
+    const __mmask64 high = _mm512_movepi8_mask(pixels);
+    // Every byte goes through all three tables; each keeps its own channel's.
+    __m512i result = lookUp(tables.blue, pixels, high);
+    result = _mm512_mask_blend_epi8(0x2222222222222222ull, result, lookUp(tables.green, pixels, high));
+    result = _mm512_mask_blend_epi8(0x4444444444444444ull, result, lookUp(tables.red, pixels, high));
+    return _mm512_or_si512(result, opaque());
+}
+
+// A channel as QColor holds it: float(i * 0x101) / 65535. The divider is
+// slow at this width; the product with the reciprocal is off by an ulp for
+// a few channels, and one step with its exact remainder rounds it right.
+inline __m512 channelFloat(__m512i channel)
+{
+    const __m512 wide = _mm512_mul_ps(_mm512_cvtepi32_ps(channel), _mm512_set1_ps(257.0f));
+    const __m512 reciprocal = _mm512_set1_ps(1.0f / 65535.0f);
+    const __m512 guess = _mm512_mul_ps(wide, reciprocal);
+    return _mm512_fmadd_ps(_mm512_fnmadd_ps(guess, _mm512_set1_ps(65535.0f), wide), reciprocal, guess);
+}
+
+// QColor's rounding of a value of 0 to 1 to 16 bits (x86's qRound: add a
+// half, truncate), then its 16- to 8-bit step.
+inline __m512i eightBit(__m512 value)
+{
+    const __m512i wide = _mm512_cvttps_epi32(_mm512_add_ps(_mm512_mul_ps(value, _mm512_set1_ps(65535.0f)), _mm512_set1_ps(0.5f)));
+    const __m512i rounded = _mm512_add_epi32(wide, _mm512_set1_epi32(128));
+    return _mm512_srli_epi32(_mm512_sub_epi32(rounded, _mm512_srli_epi32(rounded, 8)), 8);
+}
+
+// The HSL hue in whole degrees as an exact fraction; the AVX2 loop explains
+// it. Lanes with equal channels come out as nonsense.
+inline __m512i hueDegrees(__m512i red, __m512i green, __m512i blue, __m512i maximum, __m512i minimum)
+{
+    const __m512i delta = _mm512_sub_epi32(maximum, minimum);
+    const __mmask16 redLargest = _mm512_cmpeq_epi32_mask(red, maximum);
+    const __mmask16 greenLargest = _mm512_mask_cmpeq_epi32_mask(__mmask16(~redLargest), green, maximum);
+    const __m512i n = _mm512_mask_blend_epi32(
+            redLargest, _mm512_mask_blend_epi32(greenLargest, _mm512_sub_epi32(red, green), _mm512_sub_epi32(blue, red)),
+            _mm512_sub_epi32(green, blue));
+    const __m512i sector = _mm512_mask_blend_epi32(
+            redLargest, _mm512_mask_blend_epi32(greenLargest, _mm512_set1_epi32(240 - 64), _mm512_set1_epi32(120 - 64)),
+            _mm512_set1_epi32(-64));
+    const __m512 deltaFloat = _mm512_cvtepi32_ps(delta);
+    const __m512 numerator = _mm512_add_ps(_mm512_mul_ps(_mm512_cvtepi32_ps(n), _mm512_set1_ps(12000.0f)),
+                                           _mm512_mul_ps(deltaFloat, _mm512_set1_ps(1.0f + 64 * 200)));
+    const __m512 denominator = _mm512_mul_ps(deltaFloat, _mm512_set1_ps(200.0f));
+    // The whole part of the fraction without the divider: the approximate
+    // reciprocal gives it to within one, and the exact remainder says which.
+    __m512i whole = _mm512_cvttps_epi32(_mm512_mul_ps(numerator, _mm512_rcp14_ps(denominator)));
+    const __m512 remainder = _mm512_sub_ps(numerator, _mm512_mul_ps(_mm512_cvtepi32_ps(whole), denominator));
+    whole = _mm512_mask_sub_epi32(whole, _mm512_cmp_ps_mask(remainder, _mm512_setzero_ps(), _CMP_LT_OQ), whole, _mm512_set1_epi32(1));
+    whole = _mm512_mask_add_epi32(whole, _mm512_cmp_ps_mask(remainder, denominator, _CMP_GE_OQ), whole, _mm512_set1_epi32(1));
+    const __m512i hue = _mm512_add_epi32(sector, whole);
+    return _mm512_mask_add_epi32(hue, _mm512_cmplt_epi32_mask(hue, _mm512_setzero_si512()), hue, _mm512_set1_epi32(360));
+}
+
+bool allOpaque(const uint32_t *pixels, size_t count)
+{
+    const __m512i ones = _mm512_set1_epi32(-1);
+    __m512i all = ones;
+    for (size_t i = 0; i < count; i += 16)
+        all = _mm512_and_si512(all, _mm512_mask_loadu_epi32(ones, lanesFor(count - i), pixels + i));
+    return _mm512_cmpeq_epi32_mask(_mm512_and_si512(all, opaque()), opaque()) == 0xffff;
+}
+
+void mapChannels(uint32_t *pixels, size_t count, const ChannelTables &tables)
+{
+    const ChannelBytes bytes = channelBytes(&tables);
+    for (size_t i = 0; i < count; i += 16) {
+        const __mmask16 lanes = lanesFor(count - i);
+        store(pixels + i, lanes, mapped(load(pixels + i, lanes), bytes));
+    }
+}
+
+// Saturating byte arithmetic is the clamp itself.
+void shiftChannels(uint32_t *pixels, size_t count, uint32_t raise, uint32_t lower)
+{
+    const __m512i up = _mm512_set1_epi32(int(raise));
+    const __m512i down = _mm512_set1_epi32(int(lower));
+    for (size_t i = 0; i < count; i += 16) {
+        const __mmask16 lanes = lanesFor(count - i);
+        const __m512i shifted = _mm512_subs_epu8(_mm512_adds_epu8(load(pixels + i, lanes), up), down);
+        store(pixels + i, lanes, _mm512_or_si512(shifted, opaque()));
+    }
+}
+
+void mapPairs(uint32_t *pixels, size_t count, const ChannelTables *before, const uint32_t *pairs)
+{
+    const ChannelBytes beforeBytes = channelBytes(before);
+    const __m512i byte = _mm512_set1_epi32(0xff);
+    for (size_t i = 0; i < count; i += 16) {
+        const __mmask16 lanes = lanesFor(count - i);
+        __m512i value = load(pixels + i, lanes);
+        if (before)
+            value = mapped(value, beforeBytes);
+        const __m512i green = _mm512_srli_epi32(value, 8);
+        const __m512i red = _mm512_srli_epi32(value, 16);
+        const __m512i maximum = _mm512_and_si512(_mm512_max_epu8(_mm512_max_epu8(value, green), red), byte);
+        const __m512i minimum = _mm512_and_si512(_mm512_min_epu8(_mm512_min_epu8(value, green), red), byte);
+        const __m512i pair = _mm512_or_si512(_mm512_slli_epi32(maximum, 8), minimum);
+        store(pixels + i, lanes, _mm512_i32gather_epi32(pair, pairs, 4));
+    }
+}
+
+// The saturation step alone; the channel steps around it are done apart.
+void saturateOnly(uint32_t *pixels, size_t count, const SaturationStep &step)
+{
+    const HslTables &tables = hslTables();
+    const __m512i byte = _mm512_set1_epi32(0xff);
+    for (size_t i = 0; i < count; i += 16) {
+        const __mmask16 lanes = lanesFor(count - i);
+        const __m512i value = load(pixels + i, lanes);
+        const __m512i red = _mm512_and_si512(_mm512_srli_epi32(value, 16), byte);
+        const __m512i green = _mm512_and_si512(_mm512_srli_epi32(value, 8), byte);
+        const __m512i blue = _mm512_and_si512(value, byte);
+        const __m512i maximum = _mm512_max_epu32(_mm512_max_epu32(red, green), blue);
+        const __m512i minimum = _mm512_min_epu32(_mm512_min_epu32(red, green), blue);
+        // The table is far bigger than the first-level cache, yet its gather
+        // costs less than working its entries out.
+        const __m512i entry = _mm512_i32gather_epi32(_mm512_or_si512(_mm512_slli_epi32(maximum, 8), minimum), step.target, 4);
+        const __m512i saturation = _mm512_and_si512(_mm512_srli_epi32(entry, 8), byte);
+        const __m512i lightness = _mm512_and_si512(entry, byte);
+        // A grey, a colour whose saturation drops to 0, or black keeps only
+        // its lightness, in all three channels.
+        const __mmask16 grey = _mm512_cmpeq_epi32_mask(maximum, minimum) | _mm512_testn_epi32_mask(saturation, saturation)
+                | _mm512_testn_epi32_mask(lightness, lightness);
+        __m512i result = _mm512_or_si512(_mm512_shuffle_epi8(lightness, ownBytes()), opaque());
+        const __mmask16 colour = __mmask16(lanes & ~grey);
+        __mmask16 twoMixed = 0;
+        if (colour) {
+            const __m512i hue = _mm512_maskz_mov_epi32(colour, hueDegrees(red, green, blue, maximum, minimum));
+            const __m512i layout = _mm512_i32gather_epi32(hue, tables.layouts, 4);
+            twoMixed = _mm512_mask_test_epi32_mask(colour, layout, _mm512_set1_epi32(0x20 << 24));
+            // One channel at the top and one at the bottom, from the entry;
+            // only the mixed one is computed, and the layout places the three.
+            const __m512 s = channelFloat(saturation);
+            const __m512 l = channelFloat(lightness);
+            const __m512 high = _mm512_mask_blend_ps(_mm512_cmp_ps_mask(l, _mm512_set1_ps(0.5f), _CMP_LT_OQ),
+                                                     _mm512_sub_ps(_mm512_add_ps(l, s), _mm512_mul_ps(l, s)),
+                                                     _mm512_mul_ps(l, _mm512_add_ps(_mm512_set1_ps(1.0f), s)));
+            const __m512 low = _mm512_sub_ps(_mm512_mul_ps(_mm512_set1_ps(2.0f), l), high);
+            const __m512 factor = _mm512_i32gather_ps(hue, tables.factors, 4);
+            const __mmask16 falling = _mm512_test_epi32_mask(layout, _mm512_set1_epi32(0x10 << 24));
+            const __m512 scale = _mm512_mask_blend_ps(falling, _mm512_set1_ps(1.0f), _mm512_set1_ps(6.0f));
+            const __m512i mixed = eightBit(_mm512_add_ps(low, _mm512_mul_ps(_mm512_mul_ps(_mm512_sub_ps(high, low), factor), scale)));
+            // top | bottom << 8 | mixed << 16 | 0xff << 24
+            const __m512i source = _mm512_ternarylogic_epi32(_mm512_srli_epi32(entry, 16), _mm512_slli_epi32(mixed, 16), opaque(), 0xfe);
+            result = _mm512_mask_mov_epi32(result, colour, _mm512_shuffle_epi8(source, _mm512_add_epi32(layout, ownBytes())));
+        }
+        store(pixels + i, lanes, result);
+        if (twoMixed) {
+            // Hue 180 mixes two channels; rare enough for the portable loop,
+            // pixel by pixel, from the pixel as it stood.
+            alignas(64) uint32_t stood[16];
+            _mm512_store_si512(stood, value);
+            for (size_t k = 0; k < 16; ++k) {
+                if (twoMixed & (1u << k)) {
+                    pixels[i + k] = stood[k];
+                    portable().saturate(pixels + i + k, 1, nullptr, step, nullptr);
+                }
+            }
+        }
+    }
+}
+
+void saturate(uint32_t *pixels, size_t count, const ChannelTables *before, const SaturationStep &step,
+              const ChannelTables *after)
+{
+    // The steps around it as loops of their own over pieces that stay in the
+    // first-level cache: in one loop, their byte tables and the saturation
+    // step's values would not all fit in the registers.
+    constexpr size_t piece = 512;
+    for (size_t i = 0; i < count; i += piece) {
+        const size_t length = count - i < piece ? count - i : piece;
+        if (before)
+            mapChannels(pixels + i, length, *before);
+        saturateOnly(pixels + i, length, step);
+        if (after)
+            mapChannels(pixels + i, length, *after);
+    }
+}
+} // namespace
+
+const Kernels &avx512Kernels()
+{
+    // Constant-initialised: no code of this file runs before the check.
+    static constexpr Kernels kernels { allOpaque, mapChannels, shiftChannels, mapPairs, saturate };
+    return kernels;
+}
+
+} // namespace FrameFilterKernels
