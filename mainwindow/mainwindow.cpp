@@ -65,13 +65,11 @@ MainWindow::MainWindow(QWidget *parent)
 
 MainWindow::~MainWindow()
 {
-    releaseVideoOutput();
+    takeDownCamera();
     delete recorder;
     recorder = nullptr;
     delete imageCapture;
     imageCapture = nullptr;
-    delete camera;
-    camera = nullptr;
     delete audioInput;
     audioInput = nullptr;
     stopVideoThread();
@@ -92,12 +90,17 @@ QSize MainWindow::initialSize() const
     return screen ? preferred.boundedTo(screen->availableSize()) : preferred;
 }
 
-void MainWindow::releaseVideoOutput()
+void MainWindow::takeDownCamera()
 {
-    // A sink still starting holds up the camera's streaming thread, and
-    // taking the camera down waits on that thread; detaching the video
-    // output first lets the streaming thread finish.
-    captureSession.setVideoSink(nullptr);
+    // Each change to Qt's capture pipeline pauses it, and one made while the
+    // camera's streaming thread is agreeing a format with the rest of the
+    // pipeline deadlocks it. Taking the camera out first, while the rest has
+    // long settled, leaves that thread nothing to agree.
+    if (!camera)
+        return;
+    captureSession.setCamera(nullptr);
+    delete camera;
+    camera = nullptr;
 }
 
 void MainWindow::readSettings()

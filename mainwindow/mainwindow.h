@@ -173,7 +173,7 @@ protected:
 private:
     // mainwindow.cpp: construction steps that other files fill
     QSize initialSize() const;
-    void releaseVideoOutput();
+    void takeDownCamera();
     void readSettings();
     void fillRecognisedDevices();
     void startDeviceWatchDog();

@@ -80,14 +80,11 @@ void MainWindow::cameraDropped(QList<QCameraDevice> droppedCameras)
         }
         recordingAnimationLabel->toggle(false);
         videoCaptureButton->setChecked(false);
+        takeDownCamera();
         delete recorder;
         recorder = nullptr;
         delete imageCapture;
         imageCapture = nullptr;
-        releaseVideoOutput();
-        camera->setActive(false);
-        delete camera;
-        camera = nullptr;
         delete audioInput;
         audioInput = nullptr;
         startedCameraDevice = QCameraDevice();
@@ -108,14 +105,15 @@ void MainWindow::showWaitingPage()
 
 void MainWindow::setCamera(QCameraDevice cameraInfo)
 {
+    // The camera leaves the session first, while the rest stands still (see
+    // takeDownCamera()).
+    takeDownCamera();
     delete recorder;
     recorder = nullptr;
     delete imageCapture;
     imageCapture = nullptr;
     delete audioInput;
     audioInput = nullptr;
-    delete camera;
-    camera = nullptr;
 
     // Of several qualifying microphones the last in the system's order wins.
     const QList<QAudioDevice> microphones = QMediaDevices::audioInputs();
@@ -135,8 +133,14 @@ void MainWindow::setCamera(QCameraDevice cameraInfo)
     imageCapture = new QImageCapture;
     currentCameraDevice = cameraInfo;
     camera = new QCamera(cameraInfo);
+    // Every change to Qt's capture pipeline pauses it, and a pause while the
+    // camera is still agreeing its format with the rest deadlocks the
+    // pipeline. So the camera gets its format while it is on its own, and
+    // joins the session last, when nothing else is left to change.
+    const QList<QCameraFormat> startFormats = thirtyFpsFormats(cameraInfo);
+    if (!startFormats.isEmpty())
+        camera->setCameraFormat(startFormats.first());
 
-    captureSession.setCamera(camera);
     captureSession.setVideoSink(videoSink);
 
     if (audioInput) {
@@ -185,12 +189,7 @@ void MainWindow::setCamera(QCameraDevice cameraInfo)
     connect(camera, SIGNAL(lockStatusChanged( QCamera::LockStatus, QCamera::LockChangeReason )),
             this, SLOT(updateCameraLockState( QCamera::LockStatus, QCamera::LockChangeReason )));
 
-    // Giving a running camera its format restarts it, and a restart while
-    // the pipeline first settles can deadlock Qt's pipeline; so the camera
-    // gets the format it will be given below before it starts.
-    const QList<QCameraFormat> startFormats = thirtyFpsFormats(cameraInfo);
-    if (!startFormats.isEmpty())
-        camera->setCameraFormat(startFormats.first());
+    captureSession.setCamera(camera);
     camera->setActive(true);
     startedCameraDevice = cameraInfo;
     stopMediaPlayer();
