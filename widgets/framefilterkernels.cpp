@@ -108,25 +108,19 @@ public:
     inline QRgb rgbAt(int hue, int at) const
     {
         const quint32 layout = packedLayouts[hue];
-        if (layout & notSimple)
-            return rgb(hue, at >> 8, at & 0xff);
         const Bounds bounds = boundsOf(at >> 8, at & 0xff);
-        const float scale = (layout & falling) ? 6.0f : 1.0f;
-        // x * 1.0f is x, so a rising channel gets QColor's bits as well.
-        const int mixed = eightBit[qRound((bounds.low + (bounds.high - bounds.low) * mixedFactors[hue] * scale) * USHRT_MAX)];
-        const quint32 source = topAndBottom[at] | quint32(mixed) << 16;
+        const int mixed = mix(bounds, mixedFactors[hue], (layout & falling) ? 6.0f : 1.0f);
+        quint32 source = topAndBottom[at] | quint32(mixed) << 16;
+        if (layout & notSimple)
+            source = (source & ~0xffu) | quint32(mix(bounds, secondFactors[hue], 1.0f));
         const auto byte = [source, layout](int k) { return (source >> (8 * ((layout >> (8 * k)) & 3))) & 0xff; };
         return 0xff000000u | byte(2) << 16 | byte(1) << 8 | byte(0);
     }
 
-    inline QRgb rgb(int hue, int saturation, int lightness) const
+    HslTables tables() const
     {
-        const Bounds bounds = boundsOf(saturation, lightness);
-        const auto &hueChannels = channels[hue];
-        return qRgb(value(hueChannels[0], bounds), value(hueChannels[1], bounds), value(hueChannels[2], bounds));
+        return { packedLayouts.data(), mixedFactors.data(), secondFactors.data(), topAndBottom.data() };
     }
-
-    HslTables tables() const { return { packedLayouts.data(), mixedFactors.data(), topAndBottom.data() }; }
 
     // The channels in single precision, as QColor holds them.
     const ChannelFloats channel;
@@ -160,7 +154,9 @@ private:
     // Most hues have one channel at the top, one at the bottom and one mixed
     // between: the first two come from a table, only the third is computed.
     // A channel whose case gives temp1 exactly, by a factor of 0, counts as
-    // at the bottom; then every hue but 180 is of that kind.
+    // at the bottom; then every hue but 180 is of that kind. That one has a
+    // falling and a rising channel over one at the bottom: the rising one
+    // takes the top's place, with a factor of its own.
     void packLayout(int hue)
     {
         const auto &hueChannels = channels[hue];
@@ -177,16 +173,34 @@ private:
         const int first = topChannel == 0 ? 1 : 0;
         const int second = topChannel == 2 ? 1 : 2;
         const bool simple = tops == 1 && (atBottom(first) || atBottom(second));
-        const int bottomChannel = simple && atBottom(first) ? first : second;
-        const int mixedChannel = bottomChannel == first ? second : first;
+        int bottomChannel = simple && atBottom(first) ? first : second;
+        int mixedChannel = bottomChannel == first ? second : first;
+        if (!simple) {
+            for (int c = 0; c < 3; ++c) {
+                if (atBottom(c))
+                    bottomChannel = c;
+                else if (hueChannels[c].kind == Falling)
+                    mixedChannel = c;
+                else
+                    topChannel = c;
+            }
+            Q_ASSERT(tops == 0 && hueChannels[topChannel].kind == Rising && hueChannels[mixedChannel].kind == Falling);
+            secondFactors[hue] = hueChannels[topChannel].factor;
+        }
         const Channel &mixed = hueChannels[mixedChannel];
         // Red, green and blue are the pixel's bytes 2, 1 and 0; alpha takes
         // the source's byte 3.
         const auto from = [](int c, quint32 source) { return source << (8 * (2 - c)); };
-        packedLayouts[hue] = simple ? from(topChannel, 0) | from(bottomChannel, 1) | from(mixedChannel, 2) | 3u << 24
-                                            | (mixed.kind == Falling ? falling : 0u)
-                                    : notSimple;
+        packedLayouts[hue] = from(topChannel, 0) | from(bottomChannel, 1) | from(mixedChannel, 2) | 3u << 24
+                | (mixed.kind == Falling ? falling : 0u) | (simple ? 0u : notSimple);
         mixedFactors[hue] = mixed.kind == Bottom ? 0.0f : mixed.factor;
+    }
+
+    // A rising or falling channel: x * 1.0f is x, so a rising one gets
+    // QColor's bits as well.
+    inline int mix(Bounds bounds, float factor, float scale) const
+    {
+        return eightBit[qRound((bounds.low + (bounds.high - bounds.low) * factor * scale) * USHRT_MAX)];
     }
 
     inline Bounds boundsOf(int saturation, int lightness) const
@@ -212,6 +226,7 @@ private:
     std::array<std::array<Channel, 3>, 360> channels {};
     std::array<quint32, 360> packedLayouts {};
     std::array<float, 360> mixedFactors {};
+    std::array<float, 360> secondFactors {};
     std::array<quint16, 65536> topAndBottom {};
 };
 

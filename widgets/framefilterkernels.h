@@ -58,11 +58,13 @@ struct HslTables
     // Per hue, a byte shuffle: byte k of the pixel (blue, green, red, alpha)
     // is byte (layout >> 8k) & 3 of top | bottom << 8 | mixed << 16 | 0xff << 24.
     // Bit 4 of the last byte is set when the mixed channel falls (QColor's
-    // third case), bit 5 when the hue is not of that simple kind; a byte
-    // shuffle reads neither.
+    // third case). Bit 5 is set for the one hue with two mixed channels: a
+    // rising one takes the top's place, with its own factor. A byte shuffle
+    // reads neither bit.
     const std::uint32_t *layouts = nullptr;
-    // Per hue: the mixed channel's factor.
+    // Per hue: the mixed channel's factor, and the second one's where bit 5 is set.
     const float *factors = nullptr;
+    const float *secondFactors = nullptr;
     // Per saturation << 8 | lightness: the top value, and the bottom value << 8.
     const std::uint16_t *topAndBottom = nullptr;
 };

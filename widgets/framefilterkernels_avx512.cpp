@@ -184,11 +184,21 @@ void mapPairs(uint32_t *pixels, size_t count, const ChannelTables *before, const
     }
 }
 
-// The saturation step alone; the channel steps around it are done apart.
+// The saturation step works on pieces this long, which stay in the
+// first-level cache.
+constexpr size_t piece = 512;
+
+// The saturation step alone, on at most a piece; the channel steps around
+// it are done apart. It runs as two loops, the hue and the new colour: in
+// one, each group's long chain of dependent steps filled the scheduler and
+// the groups no longer overlapped.
 void saturateOnly(uint32_t *pixels, size_t count, const SaturationStep &step)
 {
     const HslTables &tables = hslTables();
     const __m512i byte = _mm512_set1_epi32(0xff);
+    alignas(64) uint32_t entries[piece];
+    alignas(64) uint32_t hues[piece];
+    __mmask16 colours[piece / 16];
     for (size_t i = 0; i < count; i += 16) {
         const __mmask16 lanes = lanesFor(count - i);
         const __m512i value = load(pixels + i, lanes);
@@ -200,58 +210,55 @@ void saturateOnly(uint32_t *pixels, size_t count, const SaturationStep &step)
         // The table is far bigger than the first-level cache, yet its gather
         // costs less than working its entries out.
         const __m512i entry = _mm512_i32gather_epi32(_mm512_or_si512(_mm512_slli_epi32(maximum, 8), minimum), step.target, 4);
-        const __m512i saturation = _mm512_and_si512(_mm512_srli_epi32(entry, 8), byte);
-        const __m512i lightness = _mm512_and_si512(entry, byte);
         // A grey, a colour whose saturation drops to 0, or black keeps only
         // its lightness, in all three channels.
-        const __mmask16 grey = _mm512_cmpeq_epi32_mask(maximum, minimum) | _mm512_testn_epi32_mask(saturation, saturation)
-                | _mm512_testn_epi32_mask(lightness, lightness);
-        __m512i result = _mm512_or_si512(_mm512_shuffle_epi8(lightness, ownBytes()), opaque());
+        const __mmask16 grey = _mm512_cmpeq_epi32_mask(maximum, minimum)
+                | _mm512_testn_epi32_mask(entry, _mm512_set1_epi32(0xff00)) | _mm512_testn_epi32_mask(entry, byte);
         const __mmask16 colour = __mmask16(lanes & ~grey);
-        __mmask16 twoMixed = 0;
+        colours[i / 16] = colour;
+        _mm512_store_si512(entries + i, entry);
+        _mm512_store_si512(hues + i, _mm512_maskz_mov_epi32(colour, hueDegrees(red, green, blue, maximum, minimum)));
+    }
+    for (size_t i = 0; i < count; i += 16) {
+        const __mmask16 colour = colours[i / 16];
+        const __m512i entry = _mm512_load_si512(entries + i);
+        const __m512i lightness = _mm512_and_si512(entry, byte);
+        __m512i result = _mm512_or_si512(_mm512_shuffle_epi8(lightness, ownBytes()), opaque());
         if (colour) {
-            const __m512i hue = _mm512_maskz_mov_epi32(colour, hueDegrees(red, green, blue, maximum, minimum));
+            const __m512i hue = _mm512_load_si512(hues + i);
             const __m512i layout = _mm512_i32gather_epi32(hue, tables.layouts, 4);
-            twoMixed = _mm512_mask_test_epi32_mask(colour, layout, _mm512_set1_epi32(0x20 << 24));
-            // One channel at the top and one at the bottom, from the entry;
-            // only the mixed one is computed, and the layout places the three.
-            const __m512 s = channelFloat(saturation);
+            const __m512 s = channelFloat(_mm512_and_si512(_mm512_srli_epi32(entry, 8), byte));
             const __m512 l = channelFloat(lightness);
             const __m512 high = _mm512_mask_blend_ps(_mm512_cmp_ps_mask(l, _mm512_set1_ps(0.5f), _CMP_LT_OQ),
                                                      _mm512_sub_ps(_mm512_add_ps(l, s), _mm512_mul_ps(l, s)),
                                                      _mm512_mul_ps(l, _mm512_add_ps(_mm512_set1_ps(1.0f), s)));
             const __m512 low = _mm512_sub_ps(_mm512_mul_ps(_mm512_set1_ps(2.0f), l), high);
+            const __m512 range = _mm512_sub_ps(high, low);
             const __m512 factor = _mm512_i32gather_ps(hue, tables.factors, 4);
             const __mmask16 falling = _mm512_test_epi32_mask(layout, _mm512_set1_epi32(0x10 << 24));
             const __m512 scale = _mm512_mask_blend_ps(falling, _mm512_set1_ps(1.0f), _mm512_set1_ps(6.0f));
-            const __m512i mixed = eightBit(_mm512_add_ps(low, _mm512_mul_ps(_mm512_mul_ps(_mm512_sub_ps(high, low), factor), scale)));
+            const __m512i mixed = eightBit(_mm512_add_ps(low, _mm512_mul_ps(_mm512_mul_ps(range, factor), scale)));
             // top | bottom << 8 | mixed << 16 | 0xff << 24
-            const __m512i source = _mm512_ternarylogic_epi32(_mm512_srli_epi32(entry, 16), _mm512_slli_epi32(mixed, 16), opaque(), 0xfe);
+            __m512i source = _mm512_ternarylogic_epi32(_mm512_srli_epi32(entry, 16), _mm512_slli_epi32(mixed, 16), opaque(), 0xfe);
+            const __mmask16 twoMixed = _mm512_mask_test_epi32_mask(colour, layout, _mm512_set1_epi32(0x20 << 24));
+            if (twoMixed) {
+                // A second mixed channel, rising, in the top's place.
+                const __m512 second = _mm512_mask_i32gather_ps(_mm512_setzero_ps(), twoMixed, hue, tables.secondFactors, 4);
+                const __m512i rising = eightBit(_mm512_add_ps(low, _mm512_mul_ps(range, second)));
+                source = _mm512_mask_ternarylogic_epi32(source, twoMixed, byte, rising, 0xb8);
+            }
             result = _mm512_mask_mov_epi32(result, colour, _mm512_shuffle_epi8(source, _mm512_add_epi32(layout, ownBytes())));
         }
-        store(pixels + i, lanes, result);
-        if (twoMixed) {
-            // Hue 180 mixes two channels; rare enough for the portable loop,
-            // pixel by pixel, from the pixel as it stood.
-            alignas(64) uint32_t stood[16];
-            _mm512_store_si512(stood, value);
-            for (size_t k = 0; k < 16; ++k) {
-                if (twoMixed & (1u << k)) {
-                    pixels[i + k] = stood[k];
-                    portable().saturate(pixels + i + k, 1, nullptr, step, nullptr);
-                }
-            }
-        }
+        store(pixels + i, lanesFor(count - i), result);
     }
 }
 
 void saturate(uint32_t *pixels, size_t count, const ChannelTables *before, const SaturationStep &step,
               const ChannelTables *after)
 {
-    // The steps around it as loops of their own over pieces that stay in the
-    // first-level cache: in one loop, their byte tables and the saturation
-    // step's values would not all fit in the registers.
-    constexpr size_t piece = 512;
+    // The steps around it as loops of their own: in one loop, their byte
+    // tables and the saturation step's values would not all fit in the
+    // registers.
     for (size_t i = 0; i < count; i += piece) {
         const size_t length = count - i < piece ? count - i : piece;
         if (before)
