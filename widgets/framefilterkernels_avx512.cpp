@@ -89,15 +89,16 @@ inline __m512i mapped(__m512i pixels, const ChannelBytes &tables)
     return _mm512_or_si512(result, opaque());
 }
 
-// A channel as QColor holds it: float(i * 0x101) / 65535. The divider is
-// slow at this width; the product with the reciprocal is off by an ulp for
-// a few channels, and one step with its exact remainder rounds it right.
+// A channel as QColor holds it: float(i * 0x101) / 65535, which is i / 255
+// rounded. The divider is slow at this width; the product with the
+// reciprocal is off by an ulp for a few channels, and one step with its
+// exact remainder rounds it right.
 inline __m512 channelFloat(__m512i channel)
 {
-    const __m512 wide = _mm512_mul_ps(_mm512_cvtepi32_ps(channel), _mm512_set1_ps(257.0f));
-    const __m512 reciprocal = _mm512_set1_ps(1.0f / 65535.0f);
+    const __m512 wide = _mm512_cvtepi32_ps(channel);
+    const __m512 reciprocal = _mm512_set1_ps(1.0f / 255.0f);
     const __m512 guess = _mm512_mul_ps(wide, reciprocal);
-    return _mm512_fmadd_ps(_mm512_fnmadd_ps(guess, _mm512_set1_ps(65535.0f), wide), reciprocal, guess);
+    return _mm512_fmadd_ps(_mm512_fnmadd_ps(guess, _mm512_set1_ps(255.0f), wide), reciprocal, guess);
 }
 
 // QColor's rounding of a value of 0 to 1 to 16 bits (x86's qRound: add a
@@ -235,9 +236,10 @@ void saturateOnly(uint32_t *pixels, size_t count, const SaturationStep &step)
             const __m512 low = _mm512_sub_ps(_mm512_mul_ps(_mm512_set1_ps(2.0f), l), high);
             const __m512 range = _mm512_sub_ps(high, low);
             const __m512 factor = _mm512_i32gather_ps(hue, tables.factors, 4);
+            // A falling channel's product is scaled by 6 after rounding, as QColor does.
             const __mmask16 falling = _mm512_test_epi32_mask(layout, _mm512_set1_epi32(0x10 << 24));
-            const __m512 scale = _mm512_mask_blend_ps(falling, _mm512_set1_ps(1.0f), _mm512_set1_ps(6.0f));
-            const __m512i mixed = eightBit(_mm512_add_ps(low, _mm512_mul_ps(_mm512_mul_ps(range, factor), scale)));
+            const __m512 product = _mm512_mul_ps(range, factor);
+            const __m512i mixed = eightBit(_mm512_add_ps(low, _mm512_mask_mul_ps(product, falling, product, _mm512_set1_ps(6.0f))));
             // top | bottom << 8 | mixed << 16 | 0xff << 24
             __m512i source = _mm512_ternarylogic_epi32(_mm512_srli_epi32(entry, 16), _mm512_slli_epi32(mixed, 16), opaque(), 0xfe);
             const __mmask16 twoMixed = _mm512_mask_test_epi32_mask(colour, layout, _mm512_set1_epi32(0x20 << 24));
