@@ -284,8 +284,8 @@ void saturate(uint32_t *pixels, std::size_t count, const ChannelTables *before, 
 
 #if defined(ORVIX_VECTOR_KERNELS)
 // Which vector instructions the processor has and the system saves with
-// each thread: AVX2, and AVX-512 with its byte and word instructions and
-// byte permutes.
+// each thread: AVX2 with FMA, and AVX-512 with its byte and word
+// instructions and byte permutes.
 struct VectorSupport
 {
     bool avx2 = false;
@@ -296,7 +296,7 @@ struct VectorSupport
 #if defined(_MSC_VER)
         int info[4];
         __cpuid(info, 1);
-        if (!(info[2] & (1 << 27)) || !(info[2] & (1 << 28)))
+        if (!(info[2] & (1 << 27)) || !(info[2] & (1 << 28)) || !(info[2] & (1 << 12)))
             return;
         const unsigned long long saved = _xgetbv(0);
         __cpuidex(info, 7, 0);
@@ -304,7 +304,7 @@ struct VectorSupport
         // The opmask and upper register state as well as the AVX state.
         avx512 = avx2 && (saved & 0xe6) == 0xe6 && (info[1] & (1 << 16)) && (info[1] & (1 << 30)) && (info[2] & (1 << 1));
 #else
-        avx2 = __builtin_cpu_supports("avx2");
+        avx2 = __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma");
         avx512 = avx2 && __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw")
                 && __builtin_cpu_supports("avx512vbmi");
 #endif

@@ -71,7 +71,7 @@ struct HslTables
 const HslTables &hslTables();
 
 const Kernels &portable();
-// nullptr when the build or the processor has no AVX2.
+// nullptr when the build or the processor has no AVX2 and FMA.
 const Kernels *avx2();
 // nullptr without AVX-512 and its byte permutes (F, BW and VBMI).
 const Kernels *avx512();

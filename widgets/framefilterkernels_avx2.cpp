@@ -1,4 +1,4 @@
-// The filter loops eight pixels at a time with AVX2.
+// The filter loops eight pixels at a time with AVX2 and FMA.
 //
 // This file alone is compiled for AVX2 and runs only after the processor has
 // been checked. It therefore includes no header with shared inline functions
@@ -8,7 +8,9 @@
 //
 // The saturation step repeats QColor's single-precision steps lane by lane.
 // IEEE arithmetic gives the same bits eight at a time as one at a time, as
-// long as nothing is fused into a multiply-add; the build forbids that.
+// long as nothing is fused into a multiply-add; the build forbids that. The
+// multiply-adds written out here stand in for dividers, with exact
+// remainders.
 #include "framefilterkernels.h"
 
 #include <immintrin.h>
@@ -57,11 +59,15 @@ inline __m256i pairIndices(__m256i pixels)
     return _mm256_or_si256(_mm256_slli_epi32(maximum, 8), minimum);
 }
 
-// A channel as QColor holds it: float(i * 0x101) / 65535.
+// A channel as QColor holds it: float(i * 0x101) / 65535, which is i / 255
+// rounded. The product with the reciprocal is off by an ulp for a few
+// channels; one step with its exact remainder rounds it right.
 inline __m256 channelFloat(__m256i channel)
 {
-    // i * 0x101 is whole and below 2^24: the float product is exact.
-    return _mm256_div_ps(_mm256_mul_ps(_mm256_cvtepi32_ps(channel), _mm256_set1_ps(257.0f)), _mm256_set1_ps(65535.0f));
+    const __m256 wide = _mm256_cvtepi32_ps(channel);
+    const __m256 reciprocal = _mm256_set1_ps(1.0f / 255.0f);
+    const __m256 guess = _mm256_mul_ps(wide, reciprocal);
+    return _mm256_fmadd_ps(_mm256_fnmadd_ps(guess, _mm256_set1_ps(255.0f), wide), reciprocal, guess);
 }
 
 inline __m256 select(__m256 mask, __m256 ifTrue, __m256 ifFalse)
@@ -100,13 +106,19 @@ inline __m256i hueDegrees(__m256i red, __m256i green, __m256i blue, __m256i maxi
     const __m256i sector = _mm256_blendv_epi8(_mm256_blendv_epi8(_mm256_set1_epi32(240 - 64), _mm256_set1_epi32(120 - 64), greenLargest),
                                               _mm256_set1_epi32(-64), redLargest);
     // floor((6000 n / delta + 0.5) / 100) + 64 as one fraction; its parts
-    // are whole and below 2^24, so exact in float, and the quotient is never
-    // within a rounding of a whole number.
+    // are whole and below 2^24, so exact in float. The approximate
+    // reciprocal gives its whole part to within one, and the exact
+    // remainder says which.
     const __m256 deltaFloat = _mm256_cvtepi32_ps(delta);
     const __m256 numerator = _mm256_add_ps(_mm256_mul_ps(_mm256_cvtepi32_ps(n), _mm256_set1_ps(12000.0f)),
                                            _mm256_mul_ps(deltaFloat, _mm256_set1_ps(1.0f + 64 * 200)));
     const __m256 denominator = _mm256_mul_ps(deltaFloat, _mm256_set1_ps(200.0f));
-    __m256i hue = _mm256_add_epi32(sector, _mm256_cvttps_epi32(_mm256_div_ps(numerator, denominator)));
+    __m256i whole = _mm256_cvttps_epi32(_mm256_mul_ps(numerator, _mm256_rcp_ps(denominator)));
+    const __m256 remainder = _mm256_sub_ps(numerator, _mm256_mul_ps(_mm256_cvtepi32_ps(whole), denominator));
+    // A true comparison is all ones, -1 as a whole number.
+    whole = _mm256_add_epi32(whole, _mm256_castps_si256(less(remainder, _mm256_setzero_ps())));
+    whole = _mm256_sub_epi32(whole, _mm256_castps_si256(_mm256_cmp_ps(remainder, denominator, _CMP_GE_OQ)));
+    __m256i hue = _mm256_add_epi32(sector, whole);
     hue = _mm256_add_epi32(hue, _mm256_and_si256(_mm256_cmpgt_epi32(_mm256_setzero_si256(), hue), _mm256_set1_epi32(360)));
     // Grey lanes divided 0 by 0; hue 0 keeps their table reads in bounds.
     // Every other lane is within 0 to 359: the tests try every colour.
@@ -131,15 +143,22 @@ inline Bounds boundsOf(__m256i saturation, __m256i lightness)
 
 // A hue with one channel at the top, one at the bottom and one mixed: the
 // first two come with the saturation target, only the third is computed,
-// and the layout's byte shuffle puts the three in their places.
-inline __m256i simpleHueRgb(__m256i layout, __m256i hue, __m256i topAndBottom, Bounds bounds, const HslTables &tables)
+// and the layout's byte shuffle puts the three in their places. Hue 180
+// mixes a second channel, rising, in the top's place.
+inline __m256i hueRgb(__m256i layout, __m256i hue, __m256i topAndBottom, Bounds bounds, __m256i twoMixed, const HslTables &tables)
 {
     const __m256 factor = _mm256_i32gather_ps(tables.factors, hue, 4);
     const __m256 falling = _mm256_castsi256_ps(_mm256_cmpeq_epi32(_mm256_and_si256(layout, _mm256_set1_epi32(0x10 << 24)),
                                                                   _mm256_set1_epi32(0x10 << 24)));
     const __m256 scale = select(falling, _mm256_set1_ps(6.0f), _mm256_set1_ps(1.0f));
-    const __m256i mixed = eightBit(_mm256_add_ps(bounds.low, _mm256_mul_ps(_mm256_mul_ps(_mm256_sub_ps(bounds.high, bounds.low), factor), scale)));
-    const __m256i source = _mm256_or_si256(_mm256_or_si256(topAndBottom, _mm256_slli_epi32(mixed, 16)), _mm256_set1_epi32(int(0xff000000u)));
+    const __m256 range = _mm256_sub_ps(bounds.high, bounds.low);
+    const __m256i mixed = eightBit(_mm256_add_ps(bounds.low, _mm256_mul_ps(_mm256_mul_ps(range, factor), scale)));
+    __m256i source = _mm256_or_si256(_mm256_or_si256(topAndBottom, _mm256_slli_epi32(mixed, 16)), _mm256_set1_epi32(int(0xff000000u)));
+    if (!_mm256_testz_si256(twoMixed, twoMixed)) {
+        const __m256 second = _mm256_mask_i32gather_ps(_mm256_setzero_ps(), tables.secondFactors, hue, _mm256_castsi256_ps(twoMixed), 4);
+        const __m256i rising = eightBit(_mm256_add_ps(bounds.low, _mm256_mul_ps(range, second)));
+        source = _mm256_blendv_epi8(source, rising, _mm256_and_si256(twoMixed, _mm256_set1_epi32(0xff)));
+    }
     // The shuffle works within 16 bytes: each pixel's picks move to its own four.
     const __m256i order = _mm256_add_epi32(layout, _mm256_setr_epi32(0, 0x04040404, 0x08080808, 0x0c0c0c0c, 0, 0x04040404,
                                                                      0x08080808, 0x0c0c0c0c));
@@ -238,28 +257,15 @@ void saturate(uint32_t *pixels, size_t count, const ChannelTables *before, const
             const __m256i lightness = _mm256_and_si256(at, byte);
             const __m256i greyPixels = _mm256_or_si256(opaque, _mm256_mullo_epi32(lightness, _mm256_set1_epi32(0x010101)));
             __m256i result = greyPixels;
-            int twoMixed = 0;
-            alignas(32) uint32_t stood[8];
             if (_mm256_movemask_epi8(grey) != -1) {
                 const __m256i hue = load(hues + 8 * k);
                 const __m256i layout = _mm256_i32gather_epi32(reinterpret_cast<const int *>(tables.layouts), hue, 4);
-                const __m256i notSimpleBit = _mm256_set1_epi32(0x20 << 24);
-                const __m256i notSimple = _mm256_andnot_si256(grey, _mm256_cmpeq_epi32(_mm256_and_si256(layout, notSimpleBit), notSimpleBit));
-                twoMixed = _mm256_movemask_ps(_mm256_castsi256_ps(notSimple));
-                if (twoMixed)
-                    store(stood, load(pixels + i + 8 * k));
-                const __m256i colour = simpleHueRgb(layout, hue, _mm256_srli_epi32(entry, 16), boundsOf(saturation, lightness), tables);
+                const __m256i twoMixedBit = _mm256_set1_epi32(0x20 << 24);
+                const __m256i twoMixed = _mm256_andnot_si256(grey, _mm256_cmpeq_epi32(_mm256_and_si256(layout, twoMixedBit), twoMixedBit));
+                const __m256i colour = hueRgb(layout, hue, _mm256_srli_epi32(entry, 16), boundsOf(saturation, lightness), twoMixed, tables);
                 result = _mm256_blendv_epi8(colour, greyPixels, grey);
             }
             store(pixels + i + 8 * k, after ? mapped(result, *after) : result);
-            // Hue 180 mixes two channels; rare enough for the portable loop,
-            // pixel by pixel, from the pixel as it stood.
-            for (size_t lane = 0; twoMixed && lane < 8; ++lane) {
-                if (twoMixed & (1 << lane)) {
-                    pixels[i + 8 * k + lane] = stood[lane];
-                    portable().saturate(pixels + i + 8 * k + lane, 1, before, step, after);
-                }
-            }
         }
         if (groups < piece / 8) {
             i += 8 * groups;
