@@ -61,6 +61,9 @@ MainWindow::MainWindow(QWidget *parent)
     focusHintTimer.setObjectName(QStringLiteral("focusHintTimer"));
     focusHintTimer.setSingleShot(true);
     connect(&focusHintTimer, SIGNAL(timeout()), this, SLOT(hideFocusRect()));
+    formatSettleTimer.setSingleShot(true);
+    formatSettleTimer.setInterval(2000);
+    connect(&formatSettleTimer, &QTimer::timeout, this, &MainWindow::formatSettled);
 }
 
 MainWindow::~MainWindow()
@@ -96,6 +99,9 @@ void MainWindow::takeDownCamera()
     // camera's streaming thread is agreeing a format with the rest of the
     // pipeline deadlocks it. Taking the camera out first, while the rest has
     // long settled, leaves that thread nothing to agree.
+    formatSettling = false;
+    restartQueued = false;
+    formatSettleTimer.stop();
     if (!camera)
         return;
     captureSession.setCamera(nullptr);

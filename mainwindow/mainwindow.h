@@ -209,6 +209,9 @@ private:
     void stopVideoThread();
     void postFrame(const QVideoFrame &frame);
     void takeNewestFrame();
+    void restartCamera(const QCameraFormat &format);
+    void awaitSettledFormat();
+    void formatSettled();
 
     // mainwindow_recording.cpp
     void applySizeLimitEntry(int entry);
@@ -246,6 +249,13 @@ private:
     QString currentMoviePath;
     QCameraDevice startedCameraDevice;
     QTimer focusHintTimer;
+    // A camera restart waits while the last one has not shown a frame yet;
+    // only the newest waits (see restartCamera).
+    QTimer formatSettleTimer;
+    bool formatSettling = false;
+    QSize settlingSize;
+    bool restartQueued = false;
+    QCameraFormat queuedFormat;
     QCameraDevice currentCameraDevice;
     QAudioDevice chosenMicrophone;
 

@@ -191,6 +191,7 @@ void MainWindow::setCamera(QCameraDevice cameraInfo)
 
     captureSession.setCamera(camera);
     camera->setActive(true);
+    awaitSettledFormat();
     startedCameraDevice = cameraInfo;
     stopMediaPlayer();
     stackedPlayers->setCurrentIndex(1);
@@ -319,6 +320,40 @@ void MainWindow::stopVideoThread()
     videoThread.wait();
 }
 
+// Stops the camera, gives it the format (if any) and starts it again. The
+// stream then agrees the format anew, and a second change before that is
+// done can stop the stream for good, with a frozen view: a restart asked for
+// meanwhile waits until a frame in the new format has arrived, or a moment
+// has passed, and only the newest one asked for is made.
+void MainWindow::restartCamera(const QCameraFormat &format)
+{
+    if (formatSettling) {
+        restartQueued = true;
+        queuedFormat = format;
+        return;
+    }
+    camera->setActive(false);
+    if (!format.isNull())
+        camera->setCameraFormat(format);
+    camera->setActive(true);
+    awaitSettledFormat();
+}
+
+void MainWindow::awaitSettledFormat()
+{
+    formatSettling = true;
+    settlingSize = camera->cameraFormat().resolution();
+    formatSettleTimer.start();
+}
+
+void MainWindow::formatSettled()
+{
+    formatSettling = false;
+    formatSettleTimer.stop();
+    if (std::exchange(restartQueued, false) && camera)
+        restartCamera(std::exchange(queuedFormat, QCameraFormat()));
+}
+
 // On the video thread: only the newest frame waits, so a busy window skips
 // frames instead of queuing them.
 void MainWindow::postFrame(const QVideoFrame &frame)
@@ -344,6 +379,8 @@ void MainWindow::takeNewestFrame()
 
 void MainWindow::handleVideoFrame(QVideoFrame videoframe)
 {
+    if (formatSettling && (settlingSize.isEmpty() || videoframe.size() == settlingSize))
+        formatSettled();
     // Only the newest frame is kept; a burst between two paints costs assignments.
     currentFrame = videoframe;
     videoWidget->update();

@@ -141,15 +141,14 @@ void MainWindow::createMenus()
 void MainWindow::applyResolution(int index)
 {
     resolutionIndex = index;
-    if (camera)
-        camera->setActive(false);
+    QCameraFormat format;
     for (int i = 0; i < 3; ++i) {
         resolutionActions[i]->setChecked(i == index);
-        if (i == index && camera && index < cameraFormats.size())
-            camera->setCameraFormat(cameraFormats.at(index));
+        if (i == index && index < cameraFormats.size())
+            format = cameraFormats.at(index);
     }
     if (camera)
-        camera->setActive(true);
+        restartCamera(format);
 }
 
 void MainWindow::resolutionTo1st() { applyResolution(0); }
