@@ -98,7 +98,8 @@ void MainWindow::takeDownCamera()
     // Each change to Qt's capture pipeline pauses it, and one made while the
     // camera's streaming thread is agreeing a format with the rest of the
     // pipeline deadlocks it. Taking the camera out first, while the rest has
-    // long settled, leaves that thread nothing to agree.
+    // long settled, leaves that thread nothing to agree. A restart still
+    // waiting goes with it.
     formatSettling = false;
     restartQueued = false;
     formatSettleTimer.stop();
