@@ -111,7 +111,7 @@ public:
         const Bounds bounds = boundsOf(at >> 8, at & 0xff);
         const int mixed = mix(bounds, mixedFactors[hue], (layout & falling) ? 6.0f : 1.0f);
         quint32 source = topAndBottom[at] | quint32(mixed) << 16;
-        if (layout & notSimple)
+        if (layout & twoMixed)
             source = (source & ~0xffu) | quint32(mix(bounds, secondFactors[hue], 1.0f));
         const auto byte = [source, layout](int k) { return (source >> (8 * ((layout >> (8 * k)) & 3))) & 0xff; };
         return 0xff000000u | byte(2) << 16 | byte(1) << 8 | byte(0);
@@ -139,7 +139,7 @@ private:
         float factor = 0.0f;
     };
     static constexpr quint32 falling = 0x10u << 24;
-    static constexpr quint32 notSimple = 0x20u << 24;
+    static constexpr quint32 twoMixed = 0x20u << 24;
 
     void makeLayouts()
     {
@@ -192,7 +192,7 @@ private:
         // the source's byte 3.
         const auto from = [](int c, quint32 source) { return source << (8 * (2 - c)); };
         packedLayouts[hue] = from(topChannel, 0) | from(bottomChannel, 1) | from(mixedChannel, 2) | 3u << 24
-                | (mixed.kind == Falling ? falling : 0u) | (simple ? 0u : notSimple);
+                | (mixed.kind == Falling ? falling : 0u) | (simple ? 0u : twoMixed);
         mixedFactors[hue] = mixed.kind == Bottom ? 0.0f : mixed.factor;
     }
 
