@@ -32,6 +32,22 @@ inline int pairIndex(int maximum, int minimum)
     return (maximum << 8) | minimum;
 }
 
+// A hue's code in HueCodes.
+inline int hueCode(int hue)
+{
+    const int product = hue * 1093;
+    return (product >> 16) + ((product & 0xffff) < 1093 ? 8 : 0);
+}
+
+// QColor rounds a channel to 16 bits and then to 8. For every value the
+// mixed channels can take (all hues, saturations and lightnesses; the tests
+// go through them) rounding straight to 8 bits with just under a half gives
+// the same, in fewer steps for the vector loops.
+inline int roundedToEightBits(float value)
+{
+    return int(value * 255.0f + (0.5f - 0x1p-25f));
+}
+
 inline uint32_t mapped(uint32_t pixel, const ChannelTables &tables)
 {
     return tables.red[(pixel >> 16) & 0xff] | tables.green[(pixel >> 8) & 0xff] | tables.blue[pixel & 0xff];
@@ -81,6 +97,7 @@ public:
             eightBit[v] = quint8(QColor(QRgba64::fromRgba64(quint16(v), 0, 0, 0xffff)).red());
         for (int hue = 0; hue < 360; ++hue) {
             const float h = float(hue * 100) / 36000.0f;
+            fractions[hue] = h;
             const float temp3[3] = { h + (1.0f / 3.0f), h, h - (1.0f / 3.0f) };
             for (int c = 0; c < 3; ++c) {
                 float t = temp3[c];
@@ -105,21 +122,25 @@ public:
     }
 
     // For a chromatic colour with lightness above 0; at is saturation << 8 | lightness.
+    // The factor comes from the hue's code, as in the AVX-512 loop, so that
+    // the tests of this function cover the codes too.
     inline QRgb rgbAt(int hue, int at) const
     {
-        const quint32 layout = packedLayouts[hue];
+        const int code = hueCode(hue);
+        const quint32 layout = codes.layouts[code];
         const Bounds bounds = boundsOf(at >> 8, at & 0xff);
-        const int mixed = mix(bounds, mixedFactors[hue], (layout & falling) ? 6.0f : 1.0f);
+        const float t = (fractions[hue] + codes.offsets[code]) + codes.wraps[code];
+        const int mixed = mix(bounds, t * codes.slopes[code] + codes.intercepts[code], codes.scales[code]);
         quint32 source = topAndBottom[at] | quint32(mixed) << 16;
         if (layout & twoMixed)
-            source = (source & ~0xffu) | quint32(mix(bounds, secondFactors[hue], 1.0f));
+            source = (source & ~0xffu) | quint32(mix(bounds, codes.secondFactor, 1.0f));
         const auto byte = [source, layout](int k) { return (source >> (8 * ((layout >> (8 * k)) & 3))) & 0xff; };
         return 0xff000000u | byte(2) << 16 | byte(1) << 8 | byte(0);
     }
 
     HslTables tables() const
     {
-        return { packedLayouts.data(), mixedFactors.data(), secondFactors.data(), topAndBottom.data() };
+        return { packedLayouts.data(), mixedFactors.data(), secondFactors.data(), topAndBottom.data(), &codes };
     }
 
     // The channels in single precision, as QColor holds them.
@@ -149,6 +170,36 @@ private:
         }
         for (int hue = 0; hue < 360; ++hue)
             packLayout(hue);
+        makeCodes();
+    }
+
+    // A sector's code is read off its middle hue, where QColor's cases are
+    // clear; its first hue gets its own code with the factor as a constant.
+    void makeCodes()
+    {
+        // QColor's temp for red, green and blue is h plus these.
+        static constexpr float offsets[3] = { 1.0f / 3.0f, 0.0f, -1.0f / 3.0f };
+        for (int sector = 0; sector < 6; ++sector) {
+            const int middle = sector * 60 + 30;
+            const quint32 layout = packedLayouts[middle];
+            int mixedChannel = 0;
+            while (((layout >> (8 * (2 - mixedChannel))) & 3) != 2)
+                ++mixedChannel;
+            const float t = fractions[middle] + offsets[mixedChannel];
+            const bool falls = layout & falling;
+            codes.layouts[sector] = layout;
+            codes.offsets[sector] = offsets[mixedChannel];
+            codes.wraps[sector] = t < 0.0f ? 1.0f : (t > 1.0f ? -1.0f : 0.0f);
+            codes.slopes[sector] = falls ? -1.0f : 6.0f;
+            codes.intercepts[sector] = falls ? 2.0f / 3.0f : 0.0f;
+            codes.scales[sector] = falls ? 6.0f : 1.0f;
+
+            const int first = sector * 60;
+            codes.layouts[8 + sector] = packedLayouts[first];
+            codes.intercepts[8 + sector] = mixedFactors[first];
+            codes.scales[8 + sector] = (packedLayouts[first] & falling) ? 6.0f : 1.0f;
+        }
+        codes.secondFactor = secondFactors[180];
     }
 
     // Most hues have one channel at the top, one at the bottom and one mixed
@@ -200,7 +251,7 @@ private:
     // QColor's bits as well.
     inline int mix(Bounds bounds, float factor, float scale) const
     {
-        return eightBit[qRound((bounds.low + (bounds.high - bounds.low) * factor * scale) * USHRT_MAX)];
+        return roundedToEightBits(bounds.low + (bounds.high - bounds.low) * factor * scale);
     }
 
     inline Bounds boundsOf(int saturation, int lightness) const
@@ -227,6 +278,9 @@ private:
     std::array<quint32, 360> packedLayouts {};
     std::array<float, 360> mixedFactors {};
     std::array<float, 360> secondFactors {};
+    // Each hue / 360 in single precision, as QColor's h.
+    std::array<float, 360> fractions {};
+    HueCodes codes {};
     std::array<quint16, 65536> topAndBottom {};
 };
 

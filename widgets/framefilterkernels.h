@@ -24,7 +24,8 @@ struct ChannelTables
 // The HSL saturation step: each colour's saturation moves by shift, clamped.
 // target[max << 8 | min] holds the new saturation << 8 | the lightness in
 // its low 16 bits and, above them, what topAndBottom holds for those two;
-// loops that work this out faster than they can look it up use shift.
+// loops that work this out faster than they can look it up use shift. A
+// grey stays grey, so its new saturation is 0.
 struct SaturationStep
 {
     int shift = 0;
@@ -50,6 +51,25 @@ struct Kernels
                      const SaturationStep &step, const ChannelTables *after);
 };
 
+// What depends on the hue, in a form sixteen lanes look up from registers
+// instead of memory. A hue's code is its sector of 60 degrees, plus 8 for a
+// sector's first hue, where QColor's comparisons fall the other way:
+// (hue * 1093) >> 16, plus 8 where the low 16 bits of that product are below
+// 1093. With h = hue / 360 in single precision, the mixed channel's factor is
+// ((h + offset) + wrap) * slope + intercept, and its product with the range
+// is then multiplied by scale (6 for a falling channel, as QColor does).
+struct HueCodes
+{
+    std::uint32_t layouts[16];
+    float offsets[16];
+    float wraps[16];
+    float slopes[16];
+    float intercepts[16];
+    float scales[16];
+    // The second mixed channel's factor; only hue 180 has one.
+    float secondFactor;
+};
+
 // What the vector loops read to turn HSL into RGB as QColor does. Most hues
 // put one channel at the top, one at the bottom and mix the third; for those
 // only the mixed one is computed per pixel.
@@ -67,7 +87,9 @@ struct HslTables
     const float *secondFactors = nullptr;
     // Per saturation << 8 | lightness: the top value, and the bottom value << 8.
     const std::uint16_t *topAndBottom = nullptr;
+    const HueCodes *codes = nullptr;
 };
+
 const HslTables &hslTables();
 
 const Kernels &portable();

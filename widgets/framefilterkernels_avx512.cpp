@@ -101,20 +101,22 @@ inline __m512 channelFloat(__m512i channel)
     return _mm512_fmadd_ps(_mm512_fnmadd_ps(guess, _mm512_set1_ps(255.0f), wide), reciprocal, guess);
 }
 
-// QColor's rounding of a value of 0 to 1 to 16 bits (x86's qRound: add a
-// half, truncate), then its 16- to 8-bit step.
-inline __m512i eightBit(__m512 value)
+// The portable loops' rounding to 8 bits, which gives QColor's.
+inline __m512i roundedToEightBits(__m512 value)
 {
-    const __m512i wide = _mm512_cvttps_epi32(_mm512_add_ps(_mm512_mul_ps(value, _mm512_set1_ps(65535.0f)), _mm512_set1_ps(0.5f)));
-    const __m512i rounded = _mm512_add_epi32(wide, _mm512_set1_epi32(128));
-    return _mm512_srli_epi32(_mm512_sub_epi32(rounded, _mm512_srli_epi32(rounded, 8)), 8);
+    const __m512 scaled = _mm512_add_ps(_mm512_mul_ps(value, _mm512_set1_ps(255.0f)), _mm512_set1_ps(0.5f - 0x1p-25f));
+    return _mm512_cvttps_epi32(scaled);
 }
 
-// The HSL hue in whole degrees as an exact fraction; the AVX2 loop explains
-// it. Lanes with equal channels come out as nonsense.
+// The HSL hue in whole degrees as QColor computes it in single precision.
+// With n the difference of the other two channels, QColor's rounding of
+// hue * 100 makes it the sector's start plus the whole part of
+// 60n / delta + 0.005; 64 more keeps that part positive for the truncation.
+// A product with the reciprocal, refined once, gives the whole part exactly
+// for every n and delta of 8-bit channels (the tests go through every
+// colour). Lanes with equal channels come out as nonsense.
 inline __m512i hueDegrees(__m512i red, __m512i green, __m512i blue, __m512i maximum, __m512i minimum)
 {
-    const __m512i delta = _mm512_sub_epi32(maximum, minimum);
     const __mmask16 redLargest = _mm512_cmpeq_epi32_mask(red, maximum);
     const __mmask16 greenLargest = _mm512_mask_cmpeq_epi32_mask(__mmask16(~redLargest), green, maximum);
     const __m512i n = _mm512_mask_blend_epi32(
@@ -123,18 +125,28 @@ inline __m512i hueDegrees(__m512i red, __m512i green, __m512i blue, __m512i maxi
     const __m512i sector = _mm512_mask_blend_epi32(
             redLargest, _mm512_mask_blend_epi32(greenLargest, _mm512_set1_epi32(240 - 64), _mm512_set1_epi32(120 - 64)),
             _mm512_set1_epi32(-64));
-    const __m512 deltaFloat = _mm512_cvtepi32_ps(delta);
-    const __m512 numerator = _mm512_add_ps(_mm512_mul_ps(_mm512_cvtepi32_ps(n), _mm512_set1_ps(12000.0f)),
-                                           _mm512_mul_ps(deltaFloat, _mm512_set1_ps(1.0f + 64 * 200)));
-    const __m512 denominator = _mm512_mul_ps(deltaFloat, _mm512_set1_ps(200.0f));
-    // The whole part of the fraction without the divider: the approximate
-    // reciprocal gives it to within one, and the exact remainder says which.
-    __m512i whole = _mm512_cvttps_epi32(_mm512_mul_ps(numerator, _mm512_rcp14_ps(denominator)));
-    const __m512 remainder = _mm512_sub_ps(numerator, _mm512_mul_ps(_mm512_cvtepi32_ps(whole), denominator));
-    whole = _mm512_mask_sub_epi32(whole, _mm512_cmp_ps_mask(remainder, _mm512_setzero_ps(), _CMP_LT_OQ), whole, _mm512_set1_epi32(1));
-    whole = _mm512_mask_add_epi32(whole, _mm512_cmp_ps_mask(remainder, denominator, _CMP_GE_OQ), whole, _mm512_set1_epi32(1));
-    const __m512i hue = _mm512_add_epi32(sector, whole);
+    const __m512 delta = _mm512_cvtepi32_ps(_mm512_sub_epi32(maximum, minimum));
+    const __m512 guess = _mm512_rcp14_ps(delta);
+    const __m512 reciprocal = _mm512_fmadd_ps(guess, _mm512_fnmadd_ps(delta, guess, _mm512_set1_ps(1.0f)), guess);
+    const __m512 degrees = _mm512_fmadd_ps(_mm512_cvtepi32_ps(n), _mm512_mul_ps(reciprocal, _mm512_set1_ps(60.0f)),
+                                           _mm512_set1_ps(64.005f));
+    const __m512i hue = _mm512_add_epi32(sector, _mm512_cvttps_epi32(degrees));
     return _mm512_mask_add_epi32(hue, _mm512_cmplt_epi32_mask(hue, _mm512_setzero_si512()), hue, _mm512_set1_epi32(360));
+}
+
+// HueCodes in registers.
+struct CodeTables
+{
+    __m512i layouts;
+    __m512 offsets, wraps, slopes, intercepts, scales;
+    __m512 secondFactor;
+};
+
+inline CodeTables codeTables(const HueCodes &codes)
+{
+    return { _mm512_loadu_si512(codes.layouts),     _mm512_loadu_ps(codes.offsets), _mm512_loadu_ps(codes.wraps),
+             _mm512_loadu_ps(codes.slopes),         _mm512_loadu_ps(codes.intercepts), _mm512_loadu_ps(codes.scales),
+             _mm512_set1_ps(codes.secondFactor) };
 }
 
 bool allOpaque(const uint32_t *pixels, size_t count)
@@ -192,17 +204,15 @@ constexpr size_t piece = 512;
 // The saturation step alone, on at most a piece; the channel steps around
 // it are done apart. It runs as two loops, the hue and the new colour: in
 // one, each group's long chain of dependent steps filled the scheduler and
-// the groups no longer overlapped.
-void saturateOnly(uint32_t *pixels, size_t count, const SaturationStep &step)
+// the groups no longer overlapped. Nothing here reads a table per hue: a
+// gather costs as much as a dozen steps in registers.
+void saturateOnly(uint32_t *pixels, size_t count, const SaturationStep &step, const CodeTables &codes)
 {
-    const HslTables &tables = hslTables();
     const __m512i byte = _mm512_set1_epi32(0xff);
     alignas(64) uint32_t entries[piece];
     alignas(64) uint32_t hues[piece];
-    __mmask16 colours[piece / 16];
     for (size_t i = 0; i < count; i += 16) {
-        const __mmask16 lanes = lanesFor(count - i);
-        const __m512i value = load(pixels + i, lanes);
+        const __m512i value = load(pixels + i, lanesFor(count - i));
         const __m512i red = _mm512_and_si512(_mm512_srli_epi32(value, 16), byte);
         const __m512i green = _mm512_and_si512(_mm512_srli_epi32(value, 8), byte);
         const __m512i blue = _mm512_and_si512(value, byte);
@@ -210,48 +220,54 @@ void saturateOnly(uint32_t *pixels, size_t count, const SaturationStep &step)
         const __m512i minimum = _mm512_min_epu32(_mm512_min_epu32(red, green), blue);
         // The table is far bigger than the first-level cache, yet its gather
         // costs less than working its entries out.
-        const __m512i entry = _mm512_i32gather_epi32(_mm512_or_si512(_mm512_slli_epi32(maximum, 8), minimum), step.target, 4);
-        // A grey, a colour whose saturation drops to 0, or black keeps only
-        // its lightness, in all three channels.
-        const __mmask16 grey = _mm512_cmpeq_epi32_mask(maximum, minimum)
-                | _mm512_testn_epi32_mask(entry, _mm512_set1_epi32(0xff00)) | _mm512_testn_epi32_mask(entry, byte);
-        const __mmask16 colour = __mmask16(lanes & ~grey);
-        colours[i / 16] = colour;
-        _mm512_store_si512(entries + i, entry);
+        const __m512i pair = _mm512_or_si512(_mm512_slli_epi32(maximum, 8), minimum);
+        _mm512_store_si512(entries + i, _mm512_i32gather_epi32(pair, step.target, 4));
+        // A grey takes hue 0. With its saturation at 0 it comes out as its
+        // lightness in all three channels whatever the hue, as does a colour
+        // whose saturation drops to 0, and black.
+        const __mmask16 colour = _mm512_cmpneq_epi32_mask(maximum, minimum);
         _mm512_store_si512(hues + i, _mm512_maskz_mov_epi32(colour, hueDegrees(red, green, blue, maximum, minimum)));
     }
+    const __m512i magic = _mm512_set1_epi32(1093);
     for (size_t i = 0; i < count; i += 16) {
-        const __mmask16 colour = colours[i / 16];
         const __m512i entry = _mm512_load_si512(entries + i);
-        const __m512i lightness = _mm512_and_si512(entry, byte);
-        __m512i result = _mm512_or_si512(_mm512_shuffle_epi8(lightness, ownBytes()), opaque());
-        if (colour) {
-            const __m512i hue = _mm512_load_si512(hues + i);
-            const __m512i layout = _mm512_i32gather_epi32(hue, tables.layouts, 4);
-            const __m512 s = channelFloat(_mm512_and_si512(_mm512_srli_epi32(entry, 8), byte));
-            const __m512 l = channelFloat(lightness);
-            const __m512 high = _mm512_mask_blend_ps(_mm512_cmp_ps_mask(l, _mm512_set1_ps(0.5f), _CMP_LT_OQ),
-                                                     _mm512_sub_ps(_mm512_add_ps(l, s), _mm512_mul_ps(l, s)),
-                                                     _mm512_mul_ps(l, _mm512_add_ps(_mm512_set1_ps(1.0f), s)));
-            const __m512 low = _mm512_sub_ps(_mm512_mul_ps(_mm512_set1_ps(2.0f), l), high);
-            const __m512 range = _mm512_sub_ps(high, low);
-            const __m512 factor = _mm512_i32gather_ps(hue, tables.factors, 4);
-            // A falling channel's product is scaled by 6 after rounding, as QColor does.
-            const __mmask16 falling = _mm512_test_epi32_mask(layout, _mm512_set1_epi32(0x10 << 24));
-            const __m512 product = _mm512_mul_ps(range, factor);
-            const __m512i mixed = eightBit(_mm512_add_ps(low, _mm512_mask_mul_ps(product, falling, product, _mm512_set1_ps(6.0f))));
-            // top | bottom << 8 | mixed << 16 | 0xff << 24
-            __m512i source = _mm512_ternarylogic_epi32(_mm512_srli_epi32(entry, 16), _mm512_slli_epi32(mixed, 16), opaque(), 0xfe);
-            const __mmask16 twoMixed = _mm512_mask_test_epi32_mask(colour, layout, _mm512_set1_epi32(0x20 << 24));
-            if (twoMixed) {
-                // A second mixed channel, rising, in the top's place.
-                const __m512 second = _mm512_mask_i32gather_ps(_mm512_setzero_ps(), twoMixed, hue, tables.secondFactors, 4);
-                const __m512i rising = eightBit(_mm512_add_ps(low, _mm512_mul_ps(range, second)));
-                source = _mm512_mask_ternarylogic_epi32(source, twoMixed, byte, rising, 0xb8);
-            }
-            result = _mm512_mask_mov_epi32(result, colour, _mm512_shuffle_epi8(source, _mm512_add_epi32(layout, ownBytes())));
+        const __m512i hue = _mm512_load_si512(hues + i);
+        // The hue's code: the product's high and low halves of each 16 bits.
+        const __mmask16 first = _mm512_cmplt_epu32_mask(_mm512_mullo_epi16(hue, magic), magic);
+        const __m512i sector = _mm512_mulhi_epu16(hue, magic);
+        const __m512i code = _mm512_mask_add_epi32(sector, first, sector, _mm512_set1_epi32(8));
+        const __m512i layout = _mm512_permutexvar_epi32(code, codes.layouts);
+
+        const __m512 s = channelFloat(_mm512_and_si512(_mm512_srli_epi32(entry, 8), byte));
+        const __m512 l = channelFloat(_mm512_and_si512(entry, byte));
+        const __m512 high = _mm512_mask_blend_ps(_mm512_cmp_ps_mask(l, _mm512_set1_ps(0.5f), _CMP_LT_OQ),
+                                                 _mm512_sub_ps(_mm512_add_ps(l, s), _mm512_mul_ps(l, s)),
+                                                 _mm512_mul_ps(l, _mm512_add_ps(_mm512_set1_ps(1.0f), s)));
+        const __m512 low = _mm512_sub_ps(_mm512_mul_ps(_mm512_set1_ps(2.0f), l), high);
+        const __m512 range = _mm512_sub_ps(high, low);
+
+        // h = hue / 360 rounded as QColor's division rounds it: the product
+        // with the reciprocal and one step with its exact remainder.
+        const __m512 wide = _mm512_cvtepi32_ps(hue);
+        const __m512 reciprocal = _mm512_set1_ps(1.0f / 360.0f);
+        const __m512 guess = _mm512_mul_ps(wide, reciprocal);
+        const __m512 h = _mm512_fmadd_ps(_mm512_fnmadd_ps(guess, _mm512_set1_ps(360.0f), wide), reciprocal, guess);
+        const __m512 t = _mm512_add_ps(_mm512_add_ps(h, _mm512_permutexvar_ps(code, codes.offsets)),
+                                       _mm512_permutexvar_ps(code, codes.wraps));
+        // Fused, as the portable loop's two steps: with a slope of 6 nothing
+        // is added, and with -1 or 0 the product is exact.
+        const __m512 factor = _mm512_fmadd_ps(t, _mm512_permutexvar_ps(code, codes.slopes), _mm512_permutexvar_ps(code, codes.intercepts));
+        const __m512 product = _mm512_mul_ps(_mm512_mul_ps(range, factor), _mm512_permutexvar_ps(code, codes.scales));
+        const __m512i mixed = roundedToEightBits(_mm512_add_ps(low, product));
+        // top | bottom << 8 | mixed << 16 | 0xff << 24
+        __m512i source = _mm512_ternarylogic_epi32(_mm512_srli_epi32(entry, 16), _mm512_slli_epi32(mixed, 16), opaque(), 0xfe);
+        const __mmask16 twoMixed = _mm512_test_epi32_mask(layout, _mm512_set1_epi32(0x20 << 24));
+        if (twoMixed) {
+            // A second mixed channel, rising, in the top's place.
+            const __m512i rising = roundedToEightBits(_mm512_add_ps(low, _mm512_mul_ps(range, codes.secondFactor)));
+            source = _mm512_mask_ternarylogic_epi32(source, twoMixed, byte, rising, 0xb8);
         }
-        store(pixels + i, lanesFor(count - i), result);
+        store(pixels + i, lanesFor(count - i), _mm512_shuffle_epi8(source, _mm512_add_epi32(layout, ownBytes())));
     }
 }
 
@@ -261,11 +277,12 @@ void saturate(uint32_t *pixels, size_t count, const ChannelTables *before, const
     // The steps around it as loops of their own: in one loop, their byte
     // tables and the saturation step's values would not all fit in the
     // registers.
+    const CodeTables codes = codeTables(*hslTables().codes);
     for (size_t i = 0; i < count; i += piece) {
         const size_t length = count - i < piece ? count - i : piece;
         if (before)
             mapChannels(pixels + i, length, *before);
-        saturateOnly(pixels + i, length, step);
+        saturateOnly(pixels + i, length, step, codes);
         if (after)
             mapChannels(pixels + i, length, *after);
     }

@@ -281,7 +281,9 @@ public:
             const PairTables &pairs = pairTables();
             const quint16 *topAndBottom = FrameFilterKernels::hslTables().topAndBottom;
             for (int pair = 0; pair < 65536; ++pair) {
-                const int at = (qBound(0, pairs.hslSaturation[pair] + s, 255) << 8) | pairs.lightness[pair];
+                const bool grey = (pair >> 8) == (pair & 0xff);
+                const int saturation = grey ? 0 : qBound(0, pairs.hslSaturation[pair] + s, 255);
+                const int at = (saturation << 8) | pairs.lightness[pair];
                 targetTable[pair] = quint32(at) | quint32(topAndBottom[at]) << 16;
             }
             targetShift = s;
