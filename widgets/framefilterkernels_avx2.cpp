@@ -80,21 +80,17 @@ inline __m256 less(__m256 a, __m256 b)
     return _mm256_cmp_ps(a, b, _CMP_LT_OQ);
 }
 
-// QColor's rounding to 16 bits (x86's qRound: add a half, truncate; never
-// negative here) and its 16- to 8-bit step.
-inline __m256i eightBit(__m256 value)
+// The portable loops' rounding to 8 bits, which gives QColor's.
+inline __m256i roundedToEightBits(__m256 value)
 {
-    const __m256i wide = _mm256_cvttps_epi32(_mm256_add_ps(_mm256_mul_ps(value, _mm256_set1_ps(65535.0f)),
-                                                           _mm256_set1_ps(0.5f)));
-    const __m256i rounded = _mm256_add_epi32(wide, _mm256_set1_epi32(128));
-    return _mm256_srli_epi32(_mm256_sub_epi32(rounded, _mm256_srli_epi32(rounded, 8)), 8);
+    return _mm256_cvttps_epi32(_mm256_add_ps(_mm256_mul_ps(value, _mm256_set1_ps(255.0f)), _mm256_set1_ps(0.5f - 0x1p-25f)));
 }
 
 // The HSL hue in whole degrees. QColor reaches it in single precision; the
 // exact value is 60 * (sector + n / delta) for whole n and delta, and the
 // floor of that fraction, rounded to hundredths first, is the same for every
 // 8-bit colour (the tests go through all of them). Grey pixels get hue 0.
-inline __m256i hueDegrees(__m256i red, __m256i green, __m256i blue, __m256i maximum, __m256i minimum, __m256i grey)
+inline __m256i hueDegrees(__m256i red, __m256i green, __m256i blue, __m256i maximum, __m256i minimum)
 {
     const __m256i delta = _mm256_sub_epi32(maximum, minimum);
     const __m256i redLargest = _mm256_cmpeq_epi32(red, maximum);
@@ -122,7 +118,7 @@ inline __m256i hueDegrees(__m256i red, __m256i green, __m256i blue, __m256i maxi
     hue = _mm256_add_epi32(hue, _mm256_and_si256(_mm256_cmpgt_epi32(_mm256_setzero_si256(), hue), _mm256_set1_epi32(360)));
     // Grey lanes divided 0 by 0; hue 0 keeps their table reads in bounds.
     // Every other lane is within 0 to 359: the tests try every colour.
-    return _mm256_andnot_si256(grey, hue);
+    return _mm256_andnot_si256(_mm256_cmpeq_epi32(maximum, minimum), hue);
 }
 
 // QColor's temp1 and temp2 for a saturation and lightness.
@@ -152,11 +148,11 @@ inline __m256i hueRgb(__m256i layout, __m256i hue, __m256i topAndBottom, Bounds 
                                                                   _mm256_set1_epi32(0x10 << 24)));
     const __m256 scale = select(falling, _mm256_set1_ps(6.0f), _mm256_set1_ps(1.0f));
     const __m256 range = _mm256_sub_ps(bounds.high, bounds.low);
-    const __m256i mixed = eightBit(_mm256_add_ps(bounds.low, _mm256_mul_ps(_mm256_mul_ps(range, factor), scale)));
+    const __m256i mixed = roundedToEightBits(_mm256_add_ps(bounds.low, _mm256_mul_ps(_mm256_mul_ps(range, factor), scale)));
     __m256i source = _mm256_or_si256(_mm256_or_si256(topAndBottom, _mm256_slli_epi32(mixed, 16)), _mm256_set1_epi32(int(0xff000000u)));
     if (!_mm256_testz_si256(twoMixed, twoMixed)) {
         const __m256 second = _mm256_mask_i32gather_ps(_mm256_setzero_ps(), tables.secondFactors, hue, _mm256_castsi256_ps(twoMixed), 4);
-        const __m256i rising = eightBit(_mm256_add_ps(bounds.low, _mm256_mul_ps(range, second)));
+        const __m256i rising = roundedToEightBits(_mm256_add_ps(bounds.low, _mm256_mul_ps(range, second)));
         source = _mm256_blendv_epi8(source, rising, _mm256_and_si256(twoMixed, _mm256_set1_epi32(0xff)));
     }
     // The shuffle works within 16 bytes: each pixel's picks move to its own four.
@@ -219,14 +215,12 @@ void saturate(uint32_t *pixels, size_t count, const ChannelTables *before, const
               const ChannelTables *after)
 {
     const __m256i byte = _mm256_set1_epi32(0xff);
-    const __m256i zero = _mm256_setzero_si256();
-    const __m256i opaque = _mm256_set1_epi32(int(0xff000000u));
     const HslTables &tables = hslTables();
     // Two short loops over a piece of the line rather than one long one: each
     // group of eight is a long chain of dependent steps, and short chains let
     // the processor work on several groups at once.
     constexpr size_t piece = 64;
-    alignas(32) uint32_t hues[piece], entries[piece], greys[piece];
+    alignas(32) uint32_t hues[piece], entries[piece];
     size_t i = 0;
     for (; i + 8 <= count; i += piece) {
         const size_t groups = (count - i < piece ? count - i : piece) / 8;
@@ -240,31 +234,20 @@ void saturate(uint32_t *pixels, size_t count, const ChannelTables *before, const
             const __m256i maximum = _mm256_max_epi32(_mm256_max_epi32(red, green), blue);
             const __m256i minimum = _mm256_min_epi32(_mm256_min_epi32(red, green), blue);
             const __m256i pair = _mm256_or_si256(_mm256_slli_epi32(maximum, 8), minimum);
-            const __m256i entry = lookUp(step.target, pair);
-            const __m256i at = _mm256_and_si256(entry, _mm256_set1_epi32(0xffff));
-            const __m256i grey = _mm256_or_si256(_mm256_cmpeq_epi32(maximum, minimum),
-                                                 _mm256_or_si256(_mm256_cmpeq_epi32(_mm256_srli_epi32(at, 8), zero),
-                                                                 _mm256_cmpeq_epi32(_mm256_and_si256(at, byte), zero)));
-            store(entries + 8 * k, entry);
-            store(greys + 8 * k, grey);
-            store(hues + 8 * k, hueDegrees(red, green, blue, maximum, minimum, grey));
+            store(entries + 8 * k, lookUp(step.target, pair));
+            store(hues + 8 * k, hueDegrees(red, green, blue, maximum, minimum));
         }
+        // A grey, with its saturation at 0, comes out as its lightness in all
+        // three channels whatever the hue, as does a colour whose saturation
+        // drops to 0, and black.
         for (size_t k = 0; k < groups; ++k) {
             const __m256i entry = load(entries + 8 * k);
-            const __m256i at = _mm256_and_si256(entry, _mm256_set1_epi32(0xffff));
-            const __m256i grey = load(greys + 8 * k);
-            const __m256i saturation = _mm256_srli_epi32(at, 8);
-            const __m256i lightness = _mm256_and_si256(at, byte);
-            const __m256i greyPixels = _mm256_or_si256(opaque, _mm256_mullo_epi32(lightness, _mm256_set1_epi32(0x010101)));
-            __m256i result = greyPixels;
-            if (_mm256_movemask_epi8(grey) != -1) {
-                const __m256i hue = load(hues + 8 * k);
-                const __m256i layout = _mm256_i32gather_epi32(reinterpret_cast<const int *>(tables.layouts), hue, 4);
-                const __m256i twoMixedBit = _mm256_set1_epi32(0x20 << 24);
-                const __m256i twoMixed = _mm256_andnot_si256(grey, _mm256_cmpeq_epi32(_mm256_and_si256(layout, twoMixedBit), twoMixedBit));
-                const __m256i colour = hueRgb(layout, hue, _mm256_srli_epi32(entry, 16), boundsOf(saturation, lightness), twoMixed, tables);
-                result = _mm256_blendv_epi8(colour, greyPixels, grey);
-            }
+            const __m256i hue = load(hues + 8 * k);
+            const __m256i layout = _mm256_i32gather_epi32(reinterpret_cast<const int *>(tables.layouts), hue, 4);
+            const __m256i twoMixedBit = _mm256_set1_epi32(0x20 << 24);
+            const __m256i twoMixed = _mm256_cmpeq_epi32(_mm256_and_si256(layout, twoMixedBit), twoMixedBit);
+            const Bounds bounds = boundsOf(_mm256_and_si256(_mm256_srli_epi32(entry, 8), byte), _mm256_and_si256(entry, byte));
+            const __m256i result = hueRgb(layout, hue, _mm256_srli_epi32(entry, 16), bounds, twoMixed, tables);
             store(pixels + i + 8 * k, after ? mapped(result, *after) : result);
         }
         if (groups < piece / 8) {
