@@ -359,6 +359,39 @@ private slots:
         }
     }
 
+    // Pulled out around a format change, before and after the watchdog has
+    // seen it: a waiting change goes with the camera, and the next camera
+    // runs as usual.
+    void unpluggedDuringAResolutionChange()
+    {
+        devices.setCameras({ VirtualDevices::cameraLine(fullHd), VirtualDevices::cameraLine(qhd) });
+        waitForCameras({ fullHd, qhd });
+        MainWindow window;
+        window.show();
+        QVERIFY(pictureMovesWithin(window, 15000));
+        window.resolutionTo2nd();
+        window.resolutionTo1st();
+        devices.setCameras({ VirtualDevices::cameraLine(qhd) });
+        QTRY_COMPARE_WITH_TIMEOUT(window.runningCameraDevice().description(), qhd, watchdogWait);
+        QVERIFY(pictureMovesWithin(window, 15000));
+        QVERIFY(idle(window));
+
+        devices.setCameras({});
+        window.resolutionTo2nd();
+        window.resolutionTo1st();
+        QTRY_VERIFY_WITH_TIMEOUT(!window.isCameraLive(), watchdogWait);
+        QCOMPARE(page(window), 0);
+        QVERIFY(invalid(window));
+        // Nothing left over fires at a camera that is gone.
+        QTest::qWait(2500);
+        QVERIFY(window.currentCamera() == nullptr);
+
+        devices.setCameras({ VirtualDevices::cameraLine(fullHd) });
+        QTRY_VERIFY_WITH_TIMEOUT(window.isCameraLive(), watchdogWait);
+        QCOMPARE(window.runningCameraDevice().description(), fullHd);
+        QVERIFY(pictureMovesWithin(window, 15000));
+    }
+
     void laterQualifyingMicrophoneWinsAndTheMeterMoves()
     {
         devices.setCameras({ VirtualDevices::cameraLine(fullHd) });
