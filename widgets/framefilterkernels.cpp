@@ -122,18 +122,14 @@ public:
     }
 
     // For a chromatic colour with lightness above 0; at is saturation << 8 | lightness.
-    // The factor comes from the hue's code, as in the AVX-512 loop, so that
-    // the tests of this function cover the codes too.
     inline QRgb rgbAt(int hue, int at) const
     {
-        const int code = hueCode(hue);
-        const quint32 layout = codes.layouts[code];
+        const quint32 layout = packedLayouts[hue];
         const Bounds bounds = boundsOf(at >> 8, at & 0xff);
-        const float t = (fractions[hue] + codes.offsets[code]) + codes.wraps[code];
-        const int mixed = mix(bounds, t * codes.slopes[code] + codes.intercepts[code], codes.scales[code]);
+        const int mixed = mix(bounds, mixedFactors[hue], (layout & falling) ? 6.0f : 1.0f);
         quint32 source = topAndBottom[at] | quint32(mixed) << 16;
         if (layout & twoMixed)
-            source = (source & ~0xffu) | quint32(mix(bounds, codes.secondFactor, 1.0f));
+            source = (source & ~0xffu) | quint32(mix(bounds, secondFactors[hue], 1.0f));
         const auto byte = [source, layout](int k) { return (source >> (8 * ((layout >> (8 * k)) & 3))) & 0xff; };
         return 0xff000000u | byte(2) << 16 | byte(1) << 8 | byte(0);
     }
@@ -200,6 +196,15 @@ private:
             codes.scales[8 + sector] = (packedLayouts[first] & falling) ? 6.0f : 1.0f;
         }
         codes.secondFactor = secondFactors[180];
+
+        // From here on every loop reads the per-hue values as the codes give
+        // them, so the tests of each, and of hslToRgb(), go through the codes.
+        for (int hue = 0; hue < 360; ++hue) {
+            const int code = hueCode(hue);
+            const float t = (fractions[hue] + codes.offsets[code]) + codes.wraps[code];
+            packedLayouts[hue] = codes.layouts[code];
+            mixedFactors[hue] = t * codes.slopes[code] + codes.intercepts[code];
+        }
     }
 
     // Most hues have one channel at the top, one at the bottom and one mixed
