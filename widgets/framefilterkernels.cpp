@@ -318,7 +318,7 @@ void mapPairs(uint32_t *pixels, std::size_t count, const ChannelTables *before, 
     }
 }
 
-void saturate(uint32_t *pixels, std::size_t count, const ChannelTables *before, const SaturationStep &step,
+void saturate(uint32_t *pixels, std::size_t count, const ChannelTables *before, const uint32_t *target,
               const ChannelTables *after)
 {
     const HslToRgb &hsl = converter();
@@ -327,7 +327,7 @@ void saturate(uint32_t *pixels, std::size_t count, const ChannelTables *before, 
         const int r = qRed(pixel), g = qGreen(pixel), b = qBlue(pixel);
         const int maximum = qMax(qMax(r, g), b);
         const int minimum = qMin(qMin(r, g), b);
-        const int at = int(step.target[pairIndex(maximum, minimum)] & 0xffff);
+        const int at = int(target[pairIndex(maximum, minimum)] & 0xffff);
         uint32_t result;
         // A grey, a colour whose saturation drops to 0, or black keeps only
         // its lightness.

@@ -21,17 +21,6 @@ struct ChannelTables
     const std::uint8_t *bytes = nullptr;
 };
 
-// The HSL saturation step: each colour's saturation moves by shift, clamped.
-// target[max << 8 | min] holds the new saturation << 8 | the lightness in
-// its low 16 bits and, above them, what topAndBottom holds for those two;
-// loops that work this out faster than they can look it up use shift. A
-// grey stays grey, so its new saturation is 0.
-struct SaturationStep
-{
-    int shift = 0;
-    const std::uint32_t *target = nullptr;
-};
-
 // Every kernel reads the colour of count 32-bit pixels as stored, ignores
 // their alpha and writes opaque pixels. Optional tables (nullptr for none)
 // run before and after the colour step.
@@ -47,8 +36,12 @@ struct Kernels
     // channel: pairs[max << 8 | min].
     void (*mapPairs)(std::uint32_t *pixels, std::size_t count, const ChannelTables *before,
                      const std::uint32_t *pairs);
+    // The HSL saturation step. target[max << 8 | min] holds the new
+    // saturation << 8 | the lightness in its low 16 bits and, above them,
+    // what topAndBottom holds for those two. A grey stays grey, so its new
+    // saturation is 0.
     void (*saturate)(std::uint32_t *pixels, std::size_t count, const ChannelTables *before,
-                     const SaturationStep &step, const ChannelTables *after);
+                     const std::uint32_t *target, const ChannelTables *after);
 };
 
 // What depends on the hue, in a form sixteen lanes look up from registers

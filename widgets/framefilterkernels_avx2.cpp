@@ -211,7 +211,7 @@ void mapPairs(uint32_t *pixels, size_t count, const ChannelTables *before, const
         portable().mapPairs(pixels + i, count - i, before, pairs);
 }
 
-void saturate(uint32_t *pixels, size_t count, const ChannelTables *before, const SaturationStep &step,
+void saturate(uint32_t *pixels, size_t count, const ChannelTables *before, const uint32_t *target,
               const ChannelTables *after)
 {
     const __m256i byte = _mm256_set1_epi32(0xff);
@@ -234,7 +234,7 @@ void saturate(uint32_t *pixels, size_t count, const ChannelTables *before, const
             const __m256i maximum = _mm256_max_epi32(_mm256_max_epi32(red, green), blue);
             const __m256i minimum = _mm256_min_epi32(_mm256_min_epi32(red, green), blue);
             const __m256i pair = _mm256_or_si256(_mm256_slli_epi32(maximum, 8), minimum);
-            store(entries + 8 * k, lookUp(step.target, pair));
+            store(entries + 8 * k, lookUp(target, pair));
             store(hues + 8 * k, hueDegrees(red, green, blue, maximum, minimum));
         }
         // A grey, with its saturation at 0, comes out as its lightness in all
@@ -256,7 +256,7 @@ void saturate(uint32_t *pixels, size_t count, const ChannelTables *before, const
         }
     }
     if (i < count)
-        portable().saturate(pixels + i, count - i, before, step, after);
+        portable().saturate(pixels + i, count - i, before, target, after);
 }
 } // namespace
 

@@ -6,7 +6,8 @@
 // and runs only after the processor has been checked: it includes no header
 // with shared inline functions and has no global constants. QColor's
 // single-precision steps are repeated lane by lane as there, and the build
-// forbids fusing them into multiply-adds here too.
+// forbids fusing them into multiply-adds here too; the multiply-adds written
+// out say why they are exact.
 #include "framefilterkernels.h"
 
 #include <immintrin.h>
@@ -206,7 +207,7 @@ constexpr size_t piece = 512;
 // one, each group's long chain of dependent steps filled the scheduler and
 // the groups no longer overlapped. Nothing here reads a table per hue: a
 // gather costs as much as a dozen steps in registers.
-void saturateOnly(uint32_t *pixels, size_t count, const SaturationStep &step, const CodeTables &codes)
+void saturateOnly(uint32_t *pixels, size_t count, const uint32_t *target, const CodeTables &codes)
 {
     const __m512i byte = _mm512_set1_epi32(0xff);
     alignas(64) uint32_t entries[piece];
@@ -221,7 +222,7 @@ void saturateOnly(uint32_t *pixels, size_t count, const SaturationStep &step, co
         // The table is far bigger than the first-level cache, yet its gather
         // costs less than working its entries out.
         const __m512i pair = _mm512_or_si512(_mm512_slli_epi32(maximum, 8), minimum);
-        _mm512_store_si512(entries + i, _mm512_i32gather_epi32(pair, step.target, 4));
+        _mm512_store_si512(entries + i, _mm512_i32gather_epi32(pair, target, 4));
         // A grey takes hue 0. With its saturation at 0 it comes out as its
         // lightness in all three channels whatever the hue, as does a colour
         // whose saturation drops to 0, and black.
@@ -271,7 +272,7 @@ void saturateOnly(uint32_t *pixels, size_t count, const SaturationStep &step, co
     }
 }
 
-void saturate(uint32_t *pixels, size_t count, const ChannelTables *before, const SaturationStep &step,
+void saturate(uint32_t *pixels, size_t count, const ChannelTables *before, const uint32_t *target,
               const ChannelTables *after)
 {
     // The steps around it as loops of their own: in one loop, their byte
@@ -282,7 +283,7 @@ void saturate(uint32_t *pixels, size_t count, const ChannelTables *before, const
         const size_t length = count - i < piece ? count - i : piece;
         if (before)
             mapChannels(pixels + i, length, *before);
-        saturateOnly(pixels + i, length, step, codes);
+        saturateOnly(pixels + i, length, target, codes);
         if (after)
             mapChannels(pixels + i, length, *after);
     }

@@ -275,7 +275,7 @@ class ColourTables
 public:
     // Per channel pair: the new saturation << 8 | the lightness, and the
     // top and bottom channel values those give, as the kernels read them.
-    FrameFilterKernels::SaturationStep saturation(int s)
+    const quint32 *target(int s)
     {
         if (!targetShift || *targetShift != s) {
             const PairTables &pairs = pairTables();
@@ -288,7 +288,7 @@ public:
             }
             targetShift = s;
         }
-        return { s, targetTable.data() };
+        return targetTable.data();
     }
 
     // Per channel pair: the hue's tint, then saturation and the later steps.
@@ -311,7 +311,7 @@ public:
             const std::optional<PackedSteps> after = packed(plan.after);
             const ChannelTables afterTables = after ? after->tables() : ChannelTables();
             if (plan.saturation)
-                kernels.saturate(pairTable.data(), pairTable.size(), nullptr, saturation(*plan.saturation), after ? &afterTables : nullptr);
+                kernels.saturate(pairTable.data(), pairTable.size(), nullptr, target(*plan.saturation), after ? &afterTables : nullptr);
             else if (after)
                 kernels.mapChannels(pairTable.data(), pairTable.size(), afterTables);
             pairsHue = plan.hue;
@@ -347,7 +347,7 @@ public:
         if (plan.hue)
             pairs = colourTables.pairs(plan, kernels);
         else if (plan.saturation)
-            saturation = colourTables.saturation(*plan.saturation);
+            target = colourTables.target(*plan.saturation);
         else if (plan.before && kernels.shiftChannels)
             shifts = plan.before->asShifts();
         beforeTables = before ? before->tables() : ChannelTables();
@@ -359,8 +359,8 @@ public:
         const ChannelTables *first = before ? &beforeTables : nullptr;
         if (pairs)
             kernels.mapPairs(pixels, count, first, pairs);
-        else if (saturation)
-            kernels.saturate(pixels, count, first, *saturation, after ? &afterTables : nullptr);
+        else if (target)
+            kernels.saturate(pixels, count, first, target, after ? &afterTables : nullptr);
         else if (shifts)
             kernels.shiftChannels(pixels, count, shifts->first, shifts->second);
         else if (first)
@@ -374,7 +374,7 @@ private:
     ChannelTables beforeTables;
     ChannelTables afterTables;
     const quint32 *pairs = nullptr;
-    std::optional<FrameFilterKernels::SaturationStep> saturation;
+    const quint32 *target = nullptr;
     std::optional<std::pair<quint32, quint32>> shifts;
 };
 
