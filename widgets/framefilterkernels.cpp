@@ -127,9 +127,9 @@ public:
         const quint32 layout = packedLayouts[hue];
         const Bounds bounds = boundsOf(at >> 8, at & 0xff);
         const int mixed = mix(bounds, mixedFactors[hue], (layout & falling) ? 6.0f : 1.0f);
-        quint32 source = topAndBottom[at] | quint32(mixed) << 16;
+        quint32 source = quint32(mixed) | quint32(topAndBottom[at]) << 16;
         if (layout & twoMixed)
-            source = (source & ~0xffu) | quint32(mix(bounds, secondFactors[hue], 1.0f));
+            source = (source & ~0xff0000u) | quint32(mix(bounds, secondFactors[hue], 1.0f)) << 16;
         const auto byte = [source, layout](int k) { return (source >> (8 * ((layout >> (8 * k)) & 3))) & 0xff; };
         return 0xff000000u | byte(2) << 16 | byte(1) << 8 | byte(0);
     }
@@ -179,7 +179,7 @@ private:
             const int middle = sector * 60 + 30;
             const quint32 layout = packedLayouts[middle];
             int mixedChannel = 0;
-            while (((layout >> (8 * (2 - mixedChannel))) & 3) != 2)
+            while (((layout >> (8 * (2 - mixedChannel))) & 3) != 0)
                 ++mixedChannel;
             const float t = fractions[middle] + offsets[mixedChannel];
             const bool falls = layout & falling;
@@ -244,10 +244,9 @@ private:
             secondFactors[hue] = hueChannels[topChannel].factor;
         }
         const Channel &mixed = hueChannels[mixedChannel];
-        // Red, green and blue are the pixel's bytes 2, 1 and 0; alpha takes
-        // the source's byte 3.
+        // Red, green and blue are the pixel's bytes 2, 1 and 0.
         const auto from = [](int c, quint32 source) { return source << (8 * (2 - c)); };
-        packedLayouts[hue] = from(topChannel, 0) | from(bottomChannel, 1) | from(mixedChannel, 2) | 3u << 24
+        packedLayouts[hue] = from(topChannel, 2) | from(bottomChannel, 3) | from(mixedChannel, 0) | 0x80u << 24
                 | (mixed.kind == Falling ? falling : 0u) | (simple ? 0u : twoMixed);
         mixedFactors[hue] = mixed.kind == Bottom ? 0.0f : mixed.factor;
     }

@@ -68,10 +68,12 @@ struct HueCodes
 // only the mixed one is computed per pixel.
 struct HslTables
 {
-    // Per hue, a byte shuffle: byte k of the pixel (blue, green, red, alpha)
-    // is byte (layout >> 8k) & 3 of top | bottom << 8 | mixed << 16 | 0xff << 24.
-    // Bit 4 of the last byte is set when the mixed channel falls (QColor's
-    // third case). Bit 5 is set for the one hue with two mixed channels: a
+    // Per hue, a byte shuffle: byte k of the pixel (blue, green, red) is byte
+    // (layout >> 8k) & 3 of mixed | top << 16 | bottom << 24, the saturation
+    // target's entry with the mixed channel in its low byte. The last byte
+    // has bit 7 set, so that a byte shuffle gives a 0 there for the alpha to
+    // be or'ed in. Its bit 4 is set when the mixed channel falls (QColor's
+    // third case), and bit 5 for the one hue with two mixed channels: a
     // rising one takes the top's place, with its own factor. A byte shuffle
     // reads neither bit.
     const std::uint32_t *layouts = nullptr;

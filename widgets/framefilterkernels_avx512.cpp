@@ -260,15 +260,16 @@ void saturateOnly(uint32_t *pixels, size_t count, const uint32_t *target, const 
         const __m512 factor = _mm512_fmadd_ps(t, _mm512_permutexvar_ps(code, codes.slopes), _mm512_permutexvar_ps(code, codes.intercepts));
         const __m512 product = _mm512_mul_ps(_mm512_mul_ps(range, factor), _mm512_permutexvar_ps(code, codes.scales));
         const __m512i mixed = roundedToEightBits(_mm512_add_ps(low, product));
-        // top | bottom << 8 | mixed << 16 | 0xff << 24
-        __m512i source = _mm512_ternarylogic_epi32(_mm512_srli_epi32(entry, 16), _mm512_slli_epi32(mixed, 16), opaque(), 0xfe);
+        // mixed | top << 16 | bottom << 24: (entry & 0xffff0000) | mixed
+        __m512i source = _mm512_ternarylogic_epi32(entry, mixed, _mm512_set1_epi32(int(0xffff0000u)), 0xec);
         const __mmask16 twoMixed = _mm512_test_epi32_mask(layout, _mm512_set1_epi32(0x20 << 24));
         if (twoMixed) {
             // A second mixed channel, rising, in the top's place.
             const __m512i rising = roundedToEightBits(_mm512_add_ps(low, _mm512_mul_ps(range, codes.secondFactor)));
-            source = _mm512_mask_ternarylogic_epi32(source, twoMixed, byte, rising, 0xb8);
+            source = _mm512_mask_ternarylogic_epi32(source, twoMixed, _mm512_set1_epi32(0xff0000), _mm512_slli_epi32(rising, 16), 0xb8);
         }
-        store(pixels + i, lanesFor(count - i), _mm512_shuffle_epi8(source, _mm512_add_epi32(layout, ownBytes())));
+        store(pixels + i, lanesFor(count - i),
+              _mm512_or_si512(_mm512_shuffle_epi8(source, _mm512_add_epi32(layout, ownBytes())), opaque()));
     }
 }
 
