@@ -97,7 +97,6 @@ public:
             eightBit[v] = quint8(QColor(QRgba64::fromRgba64(quint16(v), 0, 0, 0xffff)).red());
         for (int hue = 0; hue < 360; ++hue) {
             const float h = float(hue * 100) / 36000.0f;
-            fractions[hue] = h;
             const float temp3[3] = { h + (1.0f / 3.0f), h, h - (1.0f / 3.0f) };
             for (int c = 0; c < 3; ++c) {
                 float t = temp3[c];
@@ -169,42 +168,23 @@ private:
         makeCodes();
     }
 
-    // A sector's code is read off its middle hue, where QColor's cases are
-    // clear; its first hue gets its own code with the factor as a constant.
+    // A sector's layout is read off its middle hue, where QColor's cases are
+    // clear; its first hue has a code of its own.
     void makeCodes()
     {
-        // QColor's temp for red, green and blue is h plus these.
-        static constexpr float offsets[3] = { 1.0f / 3.0f, 0.0f, -1.0f / 3.0f };
-        for (int sector = 0; sector < 6; ++sector) {
-            const int middle = sector * 60 + 30;
-            const quint32 layout = packedLayouts[middle];
-            int mixedChannel = 0;
-            while (((layout >> (8 * (2 - mixedChannel))) & 3) != 0)
-                ++mixedChannel;
-            const float t = fractions[middle] + offsets[mixedChannel];
-            const bool falls = layout & falling;
-            codes.layouts[sector] = layout;
-            codes.offsets[sector] = offsets[mixedChannel];
-            codes.wraps[sector] = t < 0.0f ? 1.0f : (t > 1.0f ? -1.0f : 0.0f);
-            codes.slopes[sector] = falls ? -1.0f : 6.0f;
-            codes.intercepts[sector] = falls ? 2.0f / 3.0f : 0.0f;
-            codes.scales[sector] = falls ? 6.0f : 1.0f;
-
-            const int first = sector * 60;
-            codes.layouts[8 + sector] = packedLayouts[first];
-            codes.intercepts[8 + sector] = mixedFactors[first];
-            codes.scales[8 + sector] = (packedLayouts[first] & falling) ? 6.0f : 1.0f;
+        for (int code = 0; code < 16; ++code) {
+            const int hue = code < 8 ? code * 60 + 30 : (code - 8) * 60;
+            if (hue >= 360)
+                continue;
+            codes.layouts[code] = packedLayouts[hue];
+            codes.scales[code] = (packedLayouts[hue] & falling) ? 6.0f : 1.0f;
         }
         codes.secondFactor = secondFactors[180];
 
-        // From here on every loop reads the per-hue values as the codes give
-        // them, so the tests of each, and of hslToRgb(), go through the codes.
-        for (int hue = 0; hue < 360; ++hue) {
-            const int code = hueCode(hue);
-            const float t = (fractions[hue] + codes.offsets[code]) + codes.wraps[code];
-            packedLayouts[hue] = codes.layouts[code];
-            mixedFactors[hue] = t * codes.slopes[code] + codes.intercepts[code];
-        }
+        // From here on every loop reads the layouts as the codes give them,
+        // so the tests of each, and of hslToRgb(), go through the codes.
+        for (int hue = 0; hue < 360; ++hue)
+            packedLayouts[hue] = codes.layouts[hueCode(hue)];
     }
 
     // Most hues have one channel at the top, one at the bottom and one mixed
@@ -282,8 +262,6 @@ private:
     std::array<quint32, 360> packedLayouts {};
     std::array<float, 360> mixedFactors {};
     std::array<float, 360> secondFactors {};
-    // Each hue / 360 in single precision, as QColor's h.
-    std::array<float, 360> fractions {};
     HueCodes codes {};
     std::array<quint16, 65536> topAndBottom {};
 };

@@ -44,20 +44,15 @@ struct Kernels
                      const std::uint32_t *target, const ChannelTables *after);
 };
 
-// What depends on the hue, in a form sixteen lanes look up from registers
-// instead of memory. A hue's code is its sector of 60 degrees, plus 8 for a
-// sector's first hue, where QColor's comparisons fall the other way:
-// (hue * 1093) >> 16, plus 8 where the low 16 bits of that product are below
-// 1093. With h = hue / 360 in single precision, the mixed channel's factor is
-// ((h + offset) + wrap) * slope + intercept, and its product with the range
-// is then multiplied by scale (6 for a falling channel, as QColor does).
+// The layout and scale of each hue, in a form sixteen lanes look up from
+// registers. A hue's code is its sector of 60 degrees, plus 8 for a sector's
+// first hue, where QColor's comparisons fall the other way: (hue * 1093) >> 16,
+// plus 8 where the low 16 bits of that product are below 1093. The mixed
+// channel's product of range and factor is multiplied by scale: 6 for a
+// falling channel, as QColor does.
 struct HueCodes
 {
     std::uint32_t layouts[16];
-    float offsets[16];
-    float wraps[16];
-    float slopes[16];
-    float intercepts[16];
     float scales[16];
     // The second mixed channel's factor; only hue 180 has one.
     float secondFactor;

@@ -139,15 +139,13 @@ inline __m512i hueDegrees(__m512i red, __m512i green, __m512i blue, __m512i maxi
 struct CodeTables
 {
     __m512i layouts;
-    __m512 offsets, wraps, slopes, intercepts, scales;
+    __m512 scales;
     __m512 secondFactor;
 };
 
 inline CodeTables codeTables(const HueCodes &codes)
 {
-    return { _mm512_loadu_si512(codes.layouts),     _mm512_loadu_ps(codes.offsets), _mm512_loadu_ps(codes.wraps),
-             _mm512_loadu_ps(codes.slopes),         _mm512_loadu_ps(codes.intercepts), _mm512_loadu_ps(codes.scales),
-             _mm512_set1_ps(codes.secondFactor) };
+    return { _mm512_loadu_si512(codes.layouts), _mm512_loadu_ps(codes.scales), _mm512_set1_ps(codes.secondFactor) };
 }
 
 bool allOpaque(const uint32_t *pixels, size_t count)
@@ -205,9 +203,12 @@ constexpr size_t piece = 512;
 // The saturation step alone, on at most a piece; the channel steps around
 // it are done apart. It runs as two loops, the hue and the new colour: in
 // one, each group's long chain of dependent steps filled the scheduler and
-// the groups no longer overlapped. Nothing here reads a table per hue: a
-// gather costs as much as a dozen steps in registers.
-void saturateOnly(uint32_t *pixels, size_t count, const uint32_t *target, const CodeTables &codes)
+// the groups no longer overlapped. Gathers are few: each costs about as
+// much as a dozen steps in registers. The per-hue layout comes from
+// registers; the factor, which took more than a dozen steps to work out,
+// is gathered from its small table.
+void saturateOnly(uint32_t *pixels, size_t count, const uint32_t *target, const CodeTables &codes,
+                  const float *factors)
 {
     const __m512i byte = _mm512_set1_epi32(0xff);
     alignas(64) uint32_t entries[piece];
@@ -247,17 +248,7 @@ void saturateOnly(uint32_t *pixels, size_t count, const uint32_t *target, const 
         const __m512 low = _mm512_sub_ps(_mm512_mul_ps(_mm512_set1_ps(2.0f), l), high);
         const __m512 range = _mm512_sub_ps(high, low);
 
-        // h = hue / 360 rounded as QColor's division rounds it: the product
-        // with the reciprocal and one step with its exact remainder.
-        const __m512 wide = _mm512_cvtepi32_ps(hue);
-        const __m512 reciprocal = _mm512_set1_ps(1.0f / 360.0f);
-        const __m512 guess = _mm512_mul_ps(wide, reciprocal);
-        const __m512 h = _mm512_fmadd_ps(_mm512_fnmadd_ps(guess, _mm512_set1_ps(360.0f), wide), reciprocal, guess);
-        const __m512 t = _mm512_add_ps(_mm512_add_ps(h, _mm512_permutexvar_ps(code, codes.offsets)),
-                                       _mm512_permutexvar_ps(code, codes.wraps));
-        // Fused, as the portable loop's two steps: with a slope of 6 nothing
-        // is added, and with -1 or 0 the product is exact.
-        const __m512 factor = _mm512_fmadd_ps(t, _mm512_permutexvar_ps(code, codes.slopes), _mm512_permutexvar_ps(code, codes.intercepts));
+        const __m512 factor = _mm512_i32gather_ps(hue, factors, 4);
         const __m512 product = _mm512_mul_ps(_mm512_mul_ps(range, factor), _mm512_permutexvar_ps(code, codes.scales));
         const __m512i mixed = roundedToEightBits(_mm512_add_ps(low, product));
         // mixed | top << 16 | bottom << 24: (entry & 0xffff0000) | mixed
@@ -279,12 +270,13 @@ void saturate(uint32_t *pixels, size_t count, const ChannelTables *before, const
     // The steps around it as loops of their own: in one loop, their byte
     // tables and the saturation step's values would not all fit in the
     // registers.
-    const CodeTables codes = codeTables(*hslTables().codes);
+    const HslTables &tables = hslTables();
+    const CodeTables codes = codeTables(*tables.codes);
     for (size_t i = 0; i < count; i += piece) {
         const size_t length = count - i < piece ? count - i : piece;
         if (before)
             mapChannels(pixels + i, length, *before);
-        saturateOnly(pixels + i, length, target, codes);
+        saturateOnly(pixels + i, length, target, codes, tables.factors);
         if (after)
             mapChannels(pixels + i, length, *after);
     }
