@@ -91,22 +91,20 @@ inline __m512i mapped(__m512i pixels, const ChannelBytes &tables)
 }
 
 // A channel as QColor holds it: float(i * 0x101) / 65535, which is i / 255
-// rounded. The divider is slow at this width; the product with the
-// reciprocal is off by an ulp for a few channels, and one step with its
-// exact remainder rounds it right.
+// rounded. The divider is slow at this width and the product with the
+// reciprocal is off by an ulp for a few channels; with the reciprocal split
+// in two parts, one multiply-add rounds every channel right.
 inline __m512 channelFloat(__m512i channel)
 {
     const __m512 wide = _mm512_cvtepi32_ps(channel);
-    const __m512 reciprocal = _mm512_set1_ps(1.0f / 255.0f);
-    const __m512 guess = _mm512_mul_ps(wide, reciprocal);
-    return _mm512_fmadd_ps(_mm512_fnmadd_ps(guess, _mm512_set1_ps(255.0f), wide), reciprocal, guess);
+    return _mm512_fmadd_ps(wide, _mm512_set1_ps(0x1.010102p-8f), _mm512_mul_ps(wide, _mm512_set1_ps(-0x1.fdfdfep-33f)));
 }
 
-// The portable loops' rounding to 8 bits, which gives QColor's.
+// The portable loops' rounding to 8 bits, which gives QColor's. Fused, it
+// gives the same for every value the mixed channels can take.
 inline __m512i roundedToEightBits(__m512 value)
 {
-    const __m512 scaled = _mm512_add_ps(_mm512_mul_ps(value, _mm512_set1_ps(255.0f)), _mm512_set1_ps(0.5f - 0x1p-25f));
-    return _mm512_cvttps_epi32(scaled);
+    return _mm512_cvttps_epi32(_mm512_fmadd_ps(value, _mm512_set1_ps(255.0f), _mm512_set1_ps(0.5f - 0x1p-25f)));
 }
 
 // The HSL hue in whole degrees as QColor computes it in single precision.
@@ -245,7 +243,8 @@ void saturateOnly(uint32_t *pixels, size_t count, const uint32_t *target, const 
         const __m512 high = _mm512_mask_blend_ps(_mm512_cmp_ps_mask(l, _mm512_set1_ps(0.5f), _CMP_LT_OQ),
                                                  _mm512_sub_ps(_mm512_add_ps(l, s), _mm512_mul_ps(l, s)),
                                                  _mm512_mul_ps(l, _mm512_add_ps(_mm512_set1_ps(1.0f), s)));
-        const __m512 low = _mm512_sub_ps(_mm512_mul_ps(_mm512_set1_ps(2.0f), l), high);
+        // 2l is exact, so fused or not the difference is rounded once.
+        const __m512 low = _mm512_fmsub_ps(_mm512_set1_ps(2.0f), l, high);
         const __m512 range = _mm512_sub_ps(high, low);
 
         const __m512 factor = _mm512_i32gather_ps(hue, factors, 4);
