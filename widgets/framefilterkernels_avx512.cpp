@@ -107,30 +107,73 @@ inline __m512i roundedToEightBits(__m512 value)
     return _mm512_cvttps_epi32(_mm512_fmadd_ps(value, _mm512_set1_ps(255.0f), _mm512_set1_ps(0.5f - 0x1p-25f)));
 }
 
-// The HSL hue in whole degrees as QColor computes it in single precision.
-// With n the difference of the other two channels, QColor's rounding of
-// hue * 100 makes it the sector's start plus the whole part of
-// 60n / delta + 0.005; 64 more keeps that part positive for the truncation.
-// A product with the reciprocal, refined once, gives the whole part exactly
-// for every n and delta of 8-bit channels (the tests go through every
-// colour). Lanes with equal channels come out as nonsense.
-inline __m512i hueDegrees(__m512i red, __m512i green, __m512i blue, __m512i maximum, __m512i minimum)
+// For a byte permute of two registers of 16 pixels each: word p takes
+// channel c of pixel p (blue 0, green 1, red 2).
+inline __m512i channelWords(int c)
 {
-    const __mmask16 redLargest = _mm512_cmpeq_epi32_mask(red, maximum);
-    const __mmask16 greenLargest = _mm512_mask_cmpeq_epi32_mask(__mmask16(~redLargest), green, maximum);
-    const __m512i n = _mm512_mask_blend_epi32(
-            redLargest, _mm512_mask_blend_epi32(greenLargest, _mm512_sub_epi32(red, green), _mm512_sub_epi32(blue, red)),
-            _mm512_sub_epi32(green, blue));
-    const __m512i sector = _mm512_mask_blend_epi32(
-            redLargest, _mm512_mask_blend_epi32(greenLargest, _mm512_set1_epi32(240 - 64), _mm512_set1_epi32(120 - 64)),
-            _mm512_set1_epi32(-64));
-    const __m512 delta = _mm512_cvtepi32_ps(_mm512_sub_epi32(maximum, minimum));
-    const __m512 guess = _mm512_rcp14_ps(delta);
-    const __m512 reciprocal = _mm512_fmadd_ps(guess, _mm512_fnmadd_ps(delta, guess, _mm512_set1_ps(1.0f)), guess);
+    alignas(64) uint16_t index[32];
+    for (int p = 0; p < 32; ++p)
+        index[p] = uint16_t(4 * p + c);
+    return _mm512_load_si512(index);
+}
+
+// For a byte permute of the smallest and largest channels' words: the
+// table index max << 8 | min of pixels 16 * half to 16 * half + 15.
+inline __m512i pairBytes(int half)
+{
+    alignas(64) uint32_t index[16];
+    for (int p = 0; p < 16; ++p) {
+        const uint32_t word = uint32_t(2 * (p + 16 * half));
+        index[p] = word | (64 + word) << 8;
+    }
+    return _mm512_load_si512(index);
+}
+
+// The whole part of 60n / delta + 64.005 for sixteen lanes, of which the HSL
+// hue is made. A product with the reciprocal, refined once, gives it exactly
+// for every n and delta of 8-bit channels (the tests go through every
+// colour); rcp14 is specified to the bit, so this does not depend on the
+// processor. Lanes with a delta of 0 come out as nonsense.
+inline __m512i wholeDegrees(__m512i n, __m512i delta)
+{
+    const __m512 wide = _mm512_cvtepi32_ps(delta);
+    const __m512 guess = _mm512_rcp14_ps(wide);
+    const __m512 reciprocal = _mm512_fmadd_ps(guess, _mm512_fnmadd_ps(wide, guess, _mm512_set1_ps(1.0f)), guess);
     const __m512 degrees = _mm512_fmadd_ps(_mm512_cvtepi32_ps(n), _mm512_mul_ps(reciprocal, _mm512_set1_ps(60.0f)),
                                            _mm512_set1_ps(64.005f));
-    const __m512i hue = _mm512_add_epi32(sector, _mm512_cvttps_epi32(degrees));
-    return _mm512_mask_add_epi32(hue, _mm512_cmplt_epi32_mask(hue, _mm512_setzero_si512()), hue, _mm512_set1_epi32(360));
+    return _mm512_cvttps_epi32(degrees);
+}
+
+// The HSL hues, in whole degrees as QColor computes them in single
+// precision, of 32 pixels given as words. With n the difference of the
+// other two channels, QColor's rounding of hue * 100 makes a hue its
+// sector's start plus the whole part of 60n / delta + 0.005; 64 more keeps
+// that part positive for the truncation. Only the divisions take 32-bit
+// lanes. A grey's hue is 359, which does not matter: with its saturation at
+// 0 it comes out as its lightness in all three channels whatever the hue,
+// as does a colour whose saturation drops to 0, and black.
+inline __m512i hueWords(__m512i red, __m512i green, __m512i blue, __m512i maximum, __m512i minimum)
+{
+    const __mmask32 redLargest = _mm512_cmpeq_epi16_mask(red, maximum);
+    const __mmask32 greenLargest = _mm512_mask_cmpeq_epi16_mask(__mmask32(~redLargest), green, maximum);
+    const __m512i n = _mm512_mask_blend_epi16(
+            redLargest, _mm512_mask_blend_epi16(greenLargest, _mm512_sub_epi16(red, green), _mm512_sub_epi16(blue, red)),
+            _mm512_sub_epi16(green, blue));
+    const __m512i sector = _mm512_mask_blend_epi16(
+            redLargest, _mm512_mask_blend_epi16(greenLargest, _mm512_set1_epi16(240 - 64), _mm512_set1_epi16(120 - 64)),
+            _mm512_set1_epi16(-64));
+    const __m512i delta = _mm512_sub_epi16(maximum, minimum);
+    const __m512i sign = _mm512_srai_epi16(n, 15);
+    const __m512i zero = _mm512_setzero_si512();
+    // Unpacking to 32 bits and packing back keeps the pixels' order.
+    const __m512i whole = _mm512_packs_epi32(
+            wholeDegrees(_mm512_unpacklo_epi16(n, sign), _mm512_unpacklo_epi16(delta, zero)),
+            wholeDegrees(_mm512_unpackhi_epi16(n, sign), _mm512_unpackhi_epi16(delta, zero)));
+    const __m512i hue = _mm512_add_epi16(sector, whole);
+    // A hue below 0 is above 359 as unsigned, and 360 more is its place; a
+    // grey's nonsense is brought down to 359.
+    return _mm512_min_epu16(_mm512_min_epu16(hue, _mm512_add_epi16(hue, _mm512_set1_epi16(360))),
+                            _mm512_set1_epi16(359));
 }
 
 // HueCodes in registers.
@@ -198,44 +241,48 @@ void mapPairs(uint32_t *pixels, size_t count, const ChannelTables *before, const
 // first-level cache.
 constexpr size_t piece = 512;
 
-// The saturation step alone, on at most a piece; the channel steps around
-// it are done apart. It runs as two loops, the hue and the new colour: in
-// one, each group's long chain of dependent steps filled the scheduler and
-// the groups no longer overlapped. Gathers are few: each costs about as
-// much as a dozen steps in registers. The per-hue layout comes from
-// registers; the factor, which took more than a dozen steps to work out,
-// is gathered from its small table.
+// The saturation step alone, on a piece of whole groups of 32; the channel
+// steps around it are done apart. It runs as two loops, the hue and the new
+// colour: in one, each group's long chain of dependent steps filled the
+// scheduler and the groups no longer overlapped. Gathers are few: each costs
+// about as much as a dozen steps in registers. The per-hue layout comes from
+// registers; the factor, which took more than a dozen steps to work out, is
+// gathered from its small table.
 void saturateOnly(uint32_t *pixels, size_t count, const uint32_t *target, const CodeTables &codes,
                   const float *factors)
 {
-    const __m512i byte = _mm512_set1_epi32(0xff);
     alignas(64) uint32_t entries[piece];
-    alignas(64) uint32_t hues[piece];
-    for (size_t i = 0; i < count; i += 16) {
-        const __m512i value = load(pixels + i, lanesFor(count - i));
-        const __m512i red = _mm512_and_si512(_mm512_srli_epi32(value, 16), byte);
-        const __m512i green = _mm512_and_si512(_mm512_srli_epi32(value, 8), byte);
-        const __m512i blue = _mm512_and_si512(value, byte);
-        const __m512i maximum = _mm512_max_epu32(_mm512_max_epu32(red, green), blue);
-        const __m512i minimum = _mm512_min_epu32(_mm512_min_epu32(red, green), blue);
+    alignas(64) uint16_t hues[piece];
+    // The first loop works on words, two registers of pixels at a time.
+    const __mmask64 words = 0x5555555555555555ull;
+    const __mmask64 pairs = 0x3333333333333333ull;
+    const __m512i redWords = channelWords(2), greenWords = channelWords(1), blueWords = channelWords(0);
+    const __m512i firstPairs = pairBytes(0), secondPairs = pairBytes(1);
+    for (size_t i = 0; i < count; i += 32) {
+        const __m512i first = _mm512_loadu_si512(pixels + i);
+        const __m512i second = _mm512_loadu_si512(pixels + i + 16);
+        const __m512i red = _mm512_maskz_permutex2var_epi8(words, first, redWords, second);
+        const __m512i green = _mm512_maskz_permutex2var_epi8(words, first, greenWords, second);
+        const __m512i blue = _mm512_maskz_permutex2var_epi8(words, first, blueWords, second);
+        const __m512i maximum = _mm512_max_epu16(_mm512_max_epu16(red, green), blue);
+        const __m512i minimum = _mm512_min_epu16(_mm512_min_epu16(red, green), blue);
         // The table is far bigger than the first-level cache, yet its gather
         // costs less than working its entries out.
-        const __m512i pair = _mm512_or_si512(_mm512_slli_epi32(maximum, 8), minimum);
-        _mm512_store_si512(entries + i, _mm512_i32gather_epi32(pair, target, 4));
-        // A grey takes hue 0. With its saturation at 0 it comes out as its
-        // lightness in all three channels whatever the hue, as does a colour
-        // whose saturation drops to 0, and black.
-        const __mmask16 colour = _mm512_cmpneq_epi32_mask(maximum, minimum);
-        _mm512_store_si512(hues + i, _mm512_maskz_mov_epi32(colour, hueDegrees(red, green, blue, maximum, minimum)));
+        const __m512i firstPair = _mm512_maskz_permutex2var_epi8(pairs, minimum, firstPairs, maximum);
+        const __m512i secondPair = _mm512_maskz_permutex2var_epi8(pairs, minimum, secondPairs, maximum);
+        _mm512_store_si512(entries + i, _mm512_i32gather_epi32(firstPair, target, 4));
+        _mm512_store_si512(entries + i + 16, _mm512_i32gather_epi32(secondPair, target, 4));
+        _mm512_store_si512(hues + i, hueWords(red, green, blue, maximum, minimum));
     }
+    const __m512i byte = _mm512_set1_epi32(0xff);
     const __m512i magic = _mm512_set1_epi32(1093);
     for (size_t i = 0; i < count; i += 16) {
         const __m512i entry = _mm512_load_si512(entries + i);
-        const __m512i hue = _mm512_load_si512(hues + i);
+        const __m512i hue = _mm512_cvtepu16_epi32(_mm256_load_si256(reinterpret_cast<const __m256i *>(hues + i)));
         // The hue's code: the product's high and low halves of each 16 bits.
-        const __mmask16 first = _mm512_cmplt_epu32_mask(_mm512_mullo_epi16(hue, magic), magic);
+        const __mmask16 firstHue = _mm512_cmplt_epu32_mask(_mm512_mullo_epi16(hue, magic), magic);
         const __m512i sector = _mm512_mulhi_epu16(hue, magic);
-        const __m512i code = _mm512_mask_add_epi32(sector, first, sector, _mm512_set1_epi32(8));
+        const __m512i code = _mm512_mask_add_epi32(sector, firstHue, sector, _mm512_set1_epi32(8));
         const __m512i layout = _mm512_permutexvar_epi32(code, codes.layouts);
 
         const __m512 s = channelFloat(_mm512_and_si512(_mm512_srli_epi32(entry, 8), byte));
@@ -254,12 +301,14 @@ void saturateOnly(uint32_t *pixels, size_t count, const uint32_t *target, const 
         __m512i source = _mm512_ternarylogic_epi32(entry, mixed, _mm512_set1_epi32(int(0xffff0000u)), 0xec);
         const __mmask16 twoMixed = _mm512_test_epi32_mask(layout, _mm512_set1_epi32(0x20 << 24));
         if (twoMixed) {
-            // A second mixed channel, rising, in the top's place.
+            // A second mixed channel, rising, in the top's place: where the
+            // mask has a bit, the rising channel's, elsewhere the source's.
             const __m512i rising = roundedToEightBits(_mm512_add_ps(low, _mm512_mul_ps(range, codes.secondFactor)));
-            source = _mm512_mask_ternarylogic_epi32(source, twoMixed, _mm512_set1_epi32(0xff0000), _mm512_slli_epi32(rising, 16), 0xb8);
+            source = _mm512_mask_ternarylogic_epi32(source, twoMixed, _mm512_set1_epi32(0xff0000),
+                                                    _mm512_slli_epi32(rising, 16), 0xb8);
         }
-        store(pixels + i, lanesFor(count - i),
-              _mm512_or_si512(_mm512_shuffle_epi8(source, _mm512_add_epi32(layout, ownBytes())), opaque()));
+        _mm512_storeu_si512(pixels + i,
+                            _mm512_or_si512(_mm512_shuffle_epi8(source, _mm512_add_epi32(layout, ownBytes())), opaque()));
     }
 }
 
@@ -275,7 +324,20 @@ void saturate(uint32_t *pixels, size_t count, const ChannelTables *before, const
         const size_t length = count - i < piece ? count - i : piece;
         if (before)
             mapChannels(pixels + i, length, *before);
-        saturateOnly(pixels + i, length, target, codes, tables.factors);
+        const size_t whole = length & ~size_t(31);
+        saturateOnly(pixels + i, whole, target, codes, tables.factors);
+        if (whole < length) {
+            // The last few pixels go through a group of their own.
+            uint32_t *rest = pixels + i + whole;
+            const __mmask16 firstLanes = lanesFor(length - whole);
+            const __mmask16 secondLanes = length - whole > 16 ? lanesFor(length - whole - 16) : 0;
+            alignas(64) uint32_t group[32];
+            _mm512_store_si512(group, load(rest, firstLanes));
+            _mm512_store_si512(group + 16, load(rest + 16, secondLanes));
+            saturateOnly(group, 32, target, codes, tables.factors);
+            store(rest, firstLanes, _mm512_load_si512(group));
+            store(rest + 16, secondLanes, _mm512_load_si512(group + 16));
+        }
         if (after)
             mapChannels(pixels + i, length, *after);
     }
