@@ -130,18 +130,13 @@ inline __m512i pairBytes(int half)
 }
 
 // The whole part of 60n / delta + 64.005 for sixteen lanes, of which the HSL
-// hue is made. A product with the reciprocal, refined once, gives it exactly
-// for every n and delta of 8-bit channels (the tests go through every
-// colour); rcp14 is specified to the bit, so this does not depend on the
-// processor. Lanes with a delta of 0 come out as nonsense.
-inline __m512i wholeDegrees(__m512i n, __m512i delta)
+// hue is made. With the quotient rounded once, as a division rounds it, this
+// is exact for every n and delta of 8-bit channels (the tests go through
+// every colour). Lanes with a delta of 0 come out as nonsense.
+inline __m512i wholeDegrees(__m512i sixtyTimesN, __m512i delta)
 {
-    const __m512 wide = _mm512_cvtepi32_ps(delta);
-    const __m512 guess = _mm512_rcp14_ps(wide);
-    const __m512 reciprocal = _mm512_fmadd_ps(guess, _mm512_fnmadd_ps(wide, guess, _mm512_set1_ps(1.0f)), guess);
-    const __m512 degrees = _mm512_fmadd_ps(_mm512_cvtepi32_ps(n), _mm512_mul_ps(reciprocal, _mm512_set1_ps(60.0f)),
-                                           _mm512_set1_ps(64.005f));
-    return _mm512_cvttps_epi32(degrees);
+    const __m512 quotient = _mm512_div_ps(_mm512_cvtepi32_ps(sixtyTimesN), _mm512_cvtepi32_ps(delta));
+    return _mm512_cvttps_epi32(_mm512_add_ps(quotient, _mm512_set1_ps(64.005f)));
 }
 
 // The HSL hues, in whole degrees as QColor computes them in single
@@ -163,12 +158,13 @@ inline __m512i hueWords(__m512i red, __m512i green, __m512i blue, __m512i maximu
             redLargest, _mm512_mask_blend_epi16(greenLargest, _mm512_set1_epi16(240 - 64), _mm512_set1_epi16(120 - 64)),
             _mm512_set1_epi16(-64));
     const __m512i delta = _mm512_sub_epi16(maximum, minimum);
-    const __m512i sign = _mm512_srai_epi16(n, 15);
+    const __m512i sixtyTimesN = _mm512_mullo_epi16(n, _mm512_set1_epi16(60));
+    const __m512i sign = _mm512_srai_epi16(sixtyTimesN, 15);
     const __m512i zero = _mm512_setzero_si512();
     // Unpacking to 32 bits and packing back keeps the pixels' order.
     const __m512i whole = _mm512_packs_epi32(
-            wholeDegrees(_mm512_unpacklo_epi16(n, sign), _mm512_unpacklo_epi16(delta, zero)),
-            wholeDegrees(_mm512_unpackhi_epi16(n, sign), _mm512_unpackhi_epi16(delta, zero)));
+            wholeDegrees(_mm512_unpacklo_epi16(sixtyTimesN, sign), _mm512_unpacklo_epi16(delta, zero)),
+            wholeDegrees(_mm512_unpackhi_epi16(sixtyTimesN, sign), _mm512_unpackhi_epi16(delta, zero)));
     const __m512i hue = _mm512_add_epi16(sector, whole);
     // A hue below 0 is above 359 as unsigned, and 360 more is its place; a
     // grey's nonsense is brought down to 359.
