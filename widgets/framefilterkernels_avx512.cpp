@@ -303,8 +303,9 @@ void saturateOnly(uint32_t *pixels, size_t count, const uint32_t *target, const 
             source = _mm512_mask_ternarylogic_epi32(source, twoMixed, _mm512_set1_epi32(0xff0000),
                                                     _mm512_slli_epi32(rising, 16), 0xb8);
         }
-        _mm512_storeu_si512(pixels + i,
-                            _mm512_or_si512(_mm512_shuffle_epi8(source, _mm512_add_epi32(layout, ownBytes())), opaque()));
+        // The alpha bytes come from the opaque pixel the shuffle merges into.
+        const __m512i order = _mm512_add_epi32(layout, ownBytes());
+        _mm512_storeu_si512(pixels + i, _mm512_mask_shuffle_epi8(opaque(), 0x7777777777777777ull, source, order));
     }
 }
 
