@@ -8,6 +8,7 @@
 
 #include <array>
 #include <climits>
+#include <cmath>
 
 #include <QColor>
 
@@ -126,16 +127,14 @@ public:
         const quint32 layout = packedLayouts[hue];
         const Bounds bounds = boundsOf(at >> 8, at & 0xff);
         const int mixed = mix(bounds, mixedFactors[hue], (layout & falling) ? 6.0f : 1.0f);
-        quint32 source = quint32(mixed) | quint32(topAndBottom[at]) << 16;
-        if (layout & twoMixed)
-            source = (source & ~0xff0000u) | quint32(mix(bounds, secondFactors[hue], 1.0f)) << 16;
+        const quint32 source = quint32(mixed) | quint32(topAndBottom[at]) << 16;
         const auto byte = [source, layout](int k) { return (source >> (8 * ((layout >> (8 * k)) & 3))) & 0xff; };
         return 0xff000000u | byte(2) << 16 | byte(1) << 8 | byte(0);
     }
 
     HslTables tables() const
     {
-        return { packedLayouts.data(), mixedFactors.data(), secondFactors.data(), topAndBottom.data(), &codes };
+        return { packedLayouts.data(), mixedFactors.data(), topAndBottom.data(), &codes };
     }
 
     // The channels in single precision, as QColor holds them.
@@ -155,7 +154,6 @@ private:
         float factor = 0.0f;
     };
     static constexpr quint32 falling = 0x10u << 24;
-    static constexpr quint32 twoMixed = 0x20u << 24;
 
     void makeLayouts()
     {
@@ -179,7 +177,6 @@ private:
             codes.layouts[code] = packedLayouts[hue];
             codes.scales[code] = (packedLayouts[hue] & falling) ? 6.0f : 1.0f;
         }
-        codes.secondFactor = secondFactors[180];
 
         // From here on every loop reads the layouts as the codes give them,
         // so the tests of each, and of hslToRgb(), go through the codes.
@@ -187,47 +184,36 @@ private:
             packedLayouts[hue] = codes.layouts[hueCode(hue)];
     }
 
-    // Most hues have one channel at the top, one at the bottom and one mixed
+    // Every hue has one channel at the top, one at the bottom and one mixed
     // between: the first two come from a table, only the third is computed.
     // A channel whose case gives temp1 exactly, by a factor of 0, counts as
-    // at the bottom; then every hue but 180 is of that kind. That one has a
-    // falling and a rising channel over one at the bottom: the rising one
-    // takes the top's place, with a factor of its own.
+    // at the bottom. Hue 180 has a falling and a rising channel over one at
+    // the bottom; the rising one's factor is just under 1, and for every
+    // saturation and lightness it comes out as the top value (the tests go
+    // through them all), so it counts as at the top.
     void packLayout(int hue)
     {
         const auto &hueChannels = channels[hue];
+        const auto atTop = [&hueChannels](int c) {
+            return hueChannels[c].kind == Top
+                    || (hueChannels[c].kind == Rising && hueChannels[c].factor >= std::nextafter(1.0f, 0.0f));
+        };
         const auto atBottom = [&hueChannels](int c) {
             return hueChannels[c].kind == Bottom || (hueChannels[c].kind != Top && hueChannels[c].factor == 0.0f);
         };
-        int topChannel = -1, tops = 0;
-        for (int c = 0; c < 3; ++c) {
-            if (hueChannels[c].kind == Top) {
-                topChannel = c;
-                ++tops;
-            }
-        }
+        int topChannel = 0;
+        while (!atTop(topChannel))
+            ++topChannel;
         const int first = topChannel == 0 ? 1 : 0;
         const int second = topChannel == 2 ? 1 : 2;
-        const bool simple = tops == 1 && (atBottom(first) || atBottom(second));
-        int bottomChannel = simple && atBottom(first) ? first : second;
-        int mixedChannel = bottomChannel == first ? second : first;
-        if (!simple) {
-            for (int c = 0; c < 3; ++c) {
-                if (atBottom(c))
-                    bottomChannel = c;
-                else if (hueChannels[c].kind == Falling)
-                    mixedChannel = c;
-                else
-                    topChannel = c;
-            }
-            Q_ASSERT(tops == 0 && hueChannels[topChannel].kind == Rising && hueChannels[mixedChannel].kind == Falling);
-            secondFactors[hue] = hueChannels[topChannel].factor;
-        }
+        Q_ASSERT(atBottom(first) || atBottom(second));
+        const int bottomChannel = atBottom(first) ? first : second;
+        const int mixedChannel = bottomChannel == first ? second : first;
         const Channel &mixed = hueChannels[mixedChannel];
         // Red, green and blue are the pixel's bytes 2, 1 and 0.
         const auto from = [](int c, quint32 source) { return source << (8 * (2 - c)); };
         packedLayouts[hue] = from(topChannel, 2) | from(bottomChannel, 3) | from(mixedChannel, 0) | 0x80u << 24
-                | (mixed.kind == Falling ? falling : 0u) | (simple ? 0u : twoMixed);
+                | (mixed.kind == Falling ? falling : 0u);
         mixedFactors[hue] = mixed.kind == Bottom ? 0.0f : mixed.factor;
     }
 
@@ -261,7 +247,6 @@ private:
     std::array<std::array<Channel, 3>, 360> channels {};
     std::array<quint32, 360> packedLayouts {};
     std::array<float, 360> mixedFactors {};
-    std::array<float, 360> secondFactors {};
     HueCodes codes {};
     std::array<quint16, 65536> topAndBottom {};
 };

@@ -54,27 +54,22 @@ struct HueCodes
 {
     std::uint32_t layouts[16];
     float scales[16];
-    // The second mixed channel's factor; only hue 180 has one.
-    float secondFactor;
 };
 
-// What the vector loops read to turn HSL into RGB as QColor does. Most hues
-// put one channel at the top, one at the bottom and mix the third; for those
-// only the mixed one is computed per pixel.
+// What the vector loops read to turn HSL into RGB as QColor does. Every hue
+// puts one channel at the top, one at the bottom and mixes the third; only
+// the mixed one is computed per pixel.
 struct HslTables
 {
     // Per hue, a byte shuffle: byte k of the pixel (blue, green, red) is byte
     // (layout >> 8k) & 3 of mixed | top << 16 | bottom << 24, the saturation
     // target's entry with the mixed channel in its low byte. The last byte
     // has bit 7 set, so that a byte shuffle gives a 0 there for the alpha to
-    // be or'ed in. Its bit 4 is set when the mixed channel falls (QColor's
-    // third case), and bit 5 for the one hue with two mixed channels: a
-    // rising one takes the top's place, with its own factor. A byte shuffle
-    // reads neither bit.
+    // be or'ed in. Its bit 4, which a byte shuffle does not read, is set
+    // when the mixed channel falls (QColor's third case).
     const std::uint32_t *layouts = nullptr;
-    // Per hue: the mixed channel's factor, and the second one's where bit 5 is set.
+    // Per hue: the mixed channel's factor.
     const float *factors = nullptr;
-    const float *secondFactors = nullptr;
     // Per saturation << 8 | lightness: the top value, and the bottom value << 8.
     const std::uint16_t *topAndBottom = nullptr;
     const HueCodes *codes = nullptr;

@@ -137,11 +137,10 @@ inline Bounds boundsOf(__m256i saturation, __m256i lightness)
     return { _mm256_sub_ps(_mm256_mul_ps(_mm256_set1_ps(2.0f), l), high), high };
 }
 
-// A hue with one channel at the top, one at the bottom and one mixed: the
+// A hue has one channel at the top, one at the bottom and one mixed: the
 // first two come with the saturation target, only the third is computed,
-// and the layout's byte shuffle puts the three in their places. Hue 180
-// mixes a second channel, rising, in the top's place.
-inline __m256i hueRgb(__m256i layout, __m256i hue, __m256i entry, Bounds bounds, __m256i twoMixed, const HslTables &tables)
+// and the layout's byte shuffle puts the three in their places.
+inline __m256i hueRgb(__m256i layout, __m256i hue, __m256i entry, Bounds bounds, const HslTables &tables)
 {
     const __m256 factor = _mm256_i32gather_ps(tables.factors, hue, 4);
     const __m256 falling = _mm256_castsi256_ps(_mm256_cmpeq_epi32(_mm256_and_si256(layout, _mm256_set1_epi32(0x10 << 24)),
@@ -149,12 +148,7 @@ inline __m256i hueRgb(__m256i layout, __m256i hue, __m256i entry, Bounds bounds,
     const __m256 scale = select(falling, _mm256_set1_ps(6.0f), _mm256_set1_ps(1.0f));
     const __m256 range = _mm256_sub_ps(bounds.high, bounds.low);
     const __m256i mixed = roundedToEightBits(_mm256_add_ps(bounds.low, _mm256_mul_ps(_mm256_mul_ps(range, factor), scale)));
-    __m256i source = _mm256_or_si256(_mm256_and_si256(entry, _mm256_set1_epi32(int(0xffff0000u))), mixed);
-    if (!_mm256_testz_si256(twoMixed, twoMixed)) {
-        const __m256 second = _mm256_mask_i32gather_ps(_mm256_setzero_ps(), tables.secondFactors, hue, _mm256_castsi256_ps(twoMixed), 4);
-        const __m256i rising = roundedToEightBits(_mm256_add_ps(bounds.low, _mm256_mul_ps(range, second)));
-        source = _mm256_blendv_epi8(source, _mm256_slli_epi32(rising, 16), _mm256_and_si256(twoMixed, _mm256_set1_epi32(0xff0000)));
-    }
+    const __m256i source = _mm256_or_si256(_mm256_and_si256(entry, _mm256_set1_epi32(int(0xffff0000u))), mixed);
     // The shuffle works within 16 bytes: each pixel's picks move to its own four.
     const __m256i order = _mm256_add_epi32(layout, _mm256_setr_epi32(0, 0x04040404, 0x08080808, 0x0c0c0c0c, 0, 0x04040404,
                                                                      0x08080808, 0x0c0c0c0c));
@@ -244,10 +238,8 @@ void saturate(uint32_t *pixels, size_t count, const ChannelTables *before, const
             const __m256i entry = load(entries + 8 * k);
             const __m256i hue = load(hues + 8 * k);
             const __m256i layout = _mm256_i32gather_epi32(reinterpret_cast<const int *>(tables.layouts), hue, 4);
-            const __m256i twoMixedBit = _mm256_set1_epi32(0x20 << 24);
-            const __m256i twoMixed = _mm256_cmpeq_epi32(_mm256_and_si256(layout, twoMixedBit), twoMixedBit);
             const Bounds bounds = boundsOf(_mm256_and_si256(_mm256_srli_epi32(entry, 8), byte), _mm256_and_si256(entry, byte));
-            const __m256i result = hueRgb(layout, hue, entry, bounds, twoMixed, tables);
+            const __m256i result = hueRgb(layout, hue, entry, bounds, tables);
             store(pixels + i + 8 * k, after ? mapped(result, *after) : result);
         }
         if (groups < piece / 8) {

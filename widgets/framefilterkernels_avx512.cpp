@@ -177,12 +177,11 @@ struct CodeTables
 {
     __m512i layouts;
     __m512 scales;
-    __m512 secondFactor;
 };
 
 inline CodeTables codeTables(const HueCodes &codes)
 {
-    return { _mm512_loadu_si512(codes.layouts), _mm512_loadu_ps(codes.scales), _mm512_set1_ps(codes.secondFactor) };
+    return { _mm512_loadu_si512(codes.layouts), _mm512_loadu_ps(codes.scales) };
 }
 
 bool allOpaque(const uint32_t *pixels, size_t count)
@@ -294,15 +293,7 @@ void saturateOnly(uint32_t *pixels, size_t count, const uint32_t *target, const 
         const __m512 product = _mm512_mul_ps(_mm512_mul_ps(range, factor), _mm512_permutexvar_ps(code, codes.scales));
         const __m512i mixed = roundedToEightBits(_mm512_add_ps(low, product));
         // mixed | top << 16 | bottom << 24: (entry & 0xffff0000) | mixed
-        __m512i source = _mm512_ternarylogic_epi32(entry, mixed, _mm512_set1_epi32(int(0xffff0000u)), 0xec);
-        const __mmask16 twoMixed = _mm512_test_epi32_mask(layout, _mm512_set1_epi32(0x20 << 24));
-        if (twoMixed) {
-            // A second mixed channel, rising, in the top's place: where the
-            // mask has a bit, the rising channel's, elsewhere the source's.
-            const __m512i rising = roundedToEightBits(_mm512_add_ps(low, _mm512_mul_ps(range, codes.secondFactor)));
-            source = _mm512_mask_ternarylogic_epi32(source, twoMixed, _mm512_set1_epi32(0xff0000),
-                                                    _mm512_slli_epi32(rising, 16), 0xb8);
-        }
+        const __m512i source = _mm512_ternarylogic_epi32(entry, mixed, _mm512_set1_epi32(int(0xffff0000u)), 0xec);
         // The alpha bytes come from the opaque pixel the shuffle merges into.
         const __m512i order = _mm512_add_epi32(layout, ownBytes());
         _mm512_storeu_si512(pixels + i, _mm512_mask_shuffle_epi8(opaque(), 0x7777777777777777ull, source, order));
