@@ -9,8 +9,7 @@
 // The saturation step repeats QColor's single-precision steps lane by lane.
 // IEEE arithmetic gives the same bits eight at a time as one at a time, as
 // long as nothing is fused into a multiply-add; the build forbids that. The
-// multiply-adds written out here stand in for dividers, with exact
-// remainders.
+// multiply-adds written out here say why they are exact.
 #include "framefilterkernels.h"
 
 #include <immintrin.h>
@@ -61,13 +60,12 @@ inline __m256i pairIndices(__m256i pixels)
 
 // A channel as QColor holds it: float(i * 0x101) / 65535, which is i / 255
 // rounded. The product with the reciprocal is off by an ulp for a few
-// channels; one step with its exact remainder rounds it right.
+// channels; with the reciprocal split in two parts, one multiply-add rounds
+// every channel right.
 inline __m256 channelFloat(__m256i channel)
 {
     const __m256 wide = _mm256_cvtepi32_ps(channel);
-    const __m256 reciprocal = _mm256_set1_ps(1.0f / 255.0f);
-    const __m256 guess = _mm256_mul_ps(wide, reciprocal);
-    return _mm256_fmadd_ps(_mm256_fnmadd_ps(guess, _mm256_set1_ps(255.0f), wide), reciprocal, guess);
+    return _mm256_fmadd_ps(wide, _mm256_set1_ps(0x1.010102p-8f), _mm256_mul_ps(wide, _mm256_set1_ps(-0x1.fdfdfep-33f)));
 }
 
 inline __m256 select(__m256 mask, __m256 ifTrue, __m256 ifFalse)
@@ -80,41 +78,32 @@ inline __m256 less(__m256 a, __m256 b)
     return _mm256_cmp_ps(a, b, _CMP_LT_OQ);
 }
 
-// The portable loops' rounding to 8 bits, which gives QColor's.
+// The portable loops' rounding to 8 bits, which gives QColor's. Fused, it
+// gives the same for every value the mixed channels can take.
 inline __m256i roundedToEightBits(__m256 value)
 {
-    return _mm256_cvttps_epi32(_mm256_add_ps(_mm256_mul_ps(value, _mm256_set1_ps(255.0f)), _mm256_set1_ps(0.5f - 0x1p-25f)));
+    return _mm256_cvttps_epi32(_mm256_fmadd_ps(value, _mm256_set1_ps(255.0f), _mm256_set1_ps(0.5f - 0x1p-25f)));
 }
 
-// The HSL hue in whole degrees. QColor reaches it in single precision; the
-// exact value is 60 * (sector + n / delta) for whole n and delta, and the
-// floor of that fraction, rounded to hundredths first, is the same for every
-// 8-bit colour (the tests go through all of them). Grey pixels get hue 0.
+// The HSL hue in whole degrees as QColor computes it in single precision.
+// With n the difference of the other two channels, QColor's rounding of
+// hue * 100 makes it the sector's start plus the whole part of
+// 60n / delta + 0.005; 64 more keeps that part positive for the truncation.
+// With the quotient rounded once, as a division rounds it, this is exact
+// for every n and delta of 8-bit channels (the tests go through every
+// colour). Grey pixels get hue 0.
 inline __m256i hueDegrees(__m256i red, __m256i green, __m256i blue, __m256i maximum, __m256i minimum)
 {
-    const __m256i delta = _mm256_sub_epi32(maximum, minimum);
     const __m256i redLargest = _mm256_cmpeq_epi32(red, maximum);
     const __m256i greenLargest = _mm256_andnot_si256(redLargest, _mm256_cmpeq_epi32(green, maximum));
     const __m256i n = _mm256_blendv_epi8(_mm256_blendv_epi8(_mm256_sub_epi32(red, green), _mm256_sub_epi32(blue, red), greenLargest),
                                          _mm256_sub_epi32(green, blue), redLargest);
-    // The sector less 64: 64 whole turns of 100 hundredths are added to the
-    // fraction below so that it is positive and truncation is its floor.
     const __m256i sector = _mm256_blendv_epi8(_mm256_blendv_epi8(_mm256_set1_epi32(240 - 64), _mm256_set1_epi32(120 - 64), greenLargest),
                                               _mm256_set1_epi32(-64), redLargest);
-    // floor((6000 n / delta + 0.5) / 100) + 64 as one fraction; its parts
-    // are whole and below 2^24, so exact in float. The approximate
-    // reciprocal gives its whole part to within one, and the exact
-    // remainder says which.
-    const __m256 deltaFloat = _mm256_cvtepi32_ps(delta);
-    const __m256 numerator = _mm256_add_ps(_mm256_mul_ps(_mm256_cvtepi32_ps(n), _mm256_set1_ps(12000.0f)),
-                                           _mm256_mul_ps(deltaFloat, _mm256_set1_ps(1.0f + 64 * 200)));
-    const __m256 denominator = _mm256_mul_ps(deltaFloat, _mm256_set1_ps(200.0f));
-    __m256i whole = _mm256_cvttps_epi32(_mm256_mul_ps(numerator, _mm256_rcp_ps(denominator)));
-    const __m256 remainder = _mm256_sub_ps(numerator, _mm256_mul_ps(_mm256_cvtepi32_ps(whole), denominator));
-    // A true comparison is all ones, -1 as a whole number.
-    whole = _mm256_add_epi32(whole, _mm256_castps_si256(less(remainder, _mm256_setzero_ps())));
-    whole = _mm256_sub_epi32(whole, _mm256_castps_si256(_mm256_cmp_ps(remainder, denominator, _CMP_GE_OQ)));
-    __m256i hue = _mm256_add_epi32(sector, whole);
+    // 60n is exact in float.
+    const __m256 quotient = _mm256_div_ps(_mm256_mul_ps(_mm256_cvtepi32_ps(n), _mm256_set1_ps(60.0f)),
+                                          _mm256_cvtepi32_ps(_mm256_sub_epi32(maximum, minimum)));
+    __m256i hue = _mm256_add_epi32(sector, _mm256_cvttps_epi32(_mm256_add_ps(quotient, _mm256_set1_ps(64.005f))));
     hue = _mm256_add_epi32(hue, _mm256_and_si256(_mm256_cmpgt_epi32(_mm256_setzero_si256(), hue), _mm256_set1_epi32(360)));
     // Grey lanes divided 0 by 0; hue 0 keeps their table reads in bounds.
     // Every other lane is within 0 to 359: the tests try every colour.
@@ -134,7 +123,8 @@ inline Bounds boundsOf(__m256i saturation, __m256i lightness)
     const __m256 l = channelFloat(lightness);
     const __m256 high = select(less(l, _mm256_set1_ps(0.5f)), _mm256_mul_ps(l, _mm256_add_ps(_mm256_set1_ps(1.0f), s)),
                                _mm256_sub_ps(_mm256_add_ps(l, s), _mm256_mul_ps(l, s)));
-    return { _mm256_sub_ps(_mm256_mul_ps(_mm256_set1_ps(2.0f), l), high), high };
+    // 2l is exact, so fused or not the difference is rounded once.
+    return { _mm256_fmsub_ps(_mm256_set1_ps(2.0f), l, high), high };
 }
 
 // A hue has one channel at the top, one at the bottom and one mixed: the
