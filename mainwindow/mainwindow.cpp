@@ -26,6 +26,7 @@
 #include "capture/audioinfo.h"
 #include "capture/devicerecognition.h"
 #include "capture/orvixdevicewatchdogtask.h"
+#include "capture/recordingelements.h"
 #include "tasks/orvixtaskscheduler.h"
 #include "widgets/animationlabel.h"
 #include "widgets/orvixvideowidget.h"
@@ -34,6 +35,8 @@
 MainWindow::MainWindow(QWidget *parent)
     : QMainWindow(parent)
 {
+    // Before any recorder exists: Qt's recorder picks its elements by rank.
+    RecordingElements::install();
     setWindowIcon(QIcon(QStringLiteral(":/res/orvix.png")));
 
     setupCentralLayout();
@@ -44,6 +47,7 @@ MainWindow::MainWindow(QWidget *parent)
     createMenus();
 
     readSettings();
+    setupRecordingGuard();
 
     startVideoThread();
     discoverAvailableCameras();

@@ -15,13 +15,17 @@
 #include <QMutex>
 #include <QMediaCaptureSession>
 #include <QMediaRecorder>
+#include <QElapsedTimer>
 #include <QModelIndex>
+#include <QPointer>
 #include <QStringList>
 #include <QThread>
 #include <QTimer>
 #include <QVideoFrame>
 #include <QVideoSink>
 
+#include "mainwindow/recordingguard.h"
+#include "storage/recordinginformation.h"
 #include "widgets/framefilters.h"
 #include "widgets/orvixframerenderer.h"
 
@@ -38,6 +42,7 @@ class QLineEdit;
 class QListView;
 class QMenu;
 class QMenuBar;
+class QMessageBox;
 class QPainter;
 class QPushButton;
 class QSlider;
@@ -48,6 +53,7 @@ class QVBoxLayout;
 
 class AnimationLabel;
 class AudioInfo;
+class OrvixDelayTask;
 class OrvixDeviceWatchDogTask;
 class OrvixFileSplitTask;
 class OrvixVideoWidget;
@@ -83,6 +89,9 @@ public:
     QList<QAction *> rotationActionList() const { return rotationActions; }
     std::array<QAction *, 7> sizeActionList() const { return sizeActions; }
     AnimationLabel *levelMeter() const { return levelMeterLabel; }
+    QPushButton *recordingTimeBadge() const { return recordTimeBadge; }
+    // The movie file being written and watched; empty when none is.
+    QString recordingFile() const { return recordingMoviePath; }
 
 signals:
     void setSliderValue(int);
@@ -217,7 +226,22 @@ private:
     void applySizeLimitEntry(int entry);
     void restoreSizeLimitEntry();
     void checkSizeLimitEntryAtStart(int storedValue);
+    void setupRecordingGuard();
     void abortFileSplitTask();
+    void forgetSplitDelay();
+    void stopRecording();
+    void showFileNameHint();
+    void beginMovieFile(const QString &path);
+    void watchMovieFile(const QString &path);
+    void continueCaptureVideo();
+    static QString storageRoot();
+    RecordingInformation liveRecordingInformation() const;
+    void noteRecorderError(QMediaRecorder::Error error, const QString &errorString);
+    QString movieFileProblem(const QString &path, bool exists) const;
+    void recordingFailed(const QString &reason);
+    bool roomToStart(const QString &path);
+    void checkRecording();
+    void showRecordingWarning(const QString &text);
 
     // mainwindow_information.cpp
     void refillLiveInformation();
@@ -271,6 +295,16 @@ private:
 
     OrvixDeviceWatchDogTask *watchDog = nullptr;
     OrvixFileSplitTask *fileSplitTask = nullptr;
+    QPointer<OrvixDelayTask> splitDelayTask; // the wait before the next file of a split
+
+    // The recording guard: the file being written, and what was said of it.
+    QString recordingMoviePath;
+    QString lastRecorderError;
+    RecordingGuard recordingGuard;
+    QTimer recordingGuardTimer;
+    QElapsedTimer recordingClock;
+    bool spaceLowWarned = false;
+    QMessageBox *recordingWarning = nullptr;
 
     // Settings mirrors and state.
     qint64 sizeLimit = 0;

@@ -74,6 +74,10 @@ void MainWindow::cameraDropped(QList<QCameraDevice> droppedCameras)
         runningDropped = true;
         cameraLive = false;
         qCDebug(lcCapture) << "cameraDropped description:" << dropped.description();
+        // The file written so far stays playable: it is written in fragments.
+        recordingMoviePath.clear();
+        recordingGuardTimer.stop();
+        forgetSplitDelay();
         if (recorder && recorder->recorderState() != QMediaRecorder::StoppedState) {
             recorder->stop();
             abortFileSplitTask();
@@ -171,6 +175,9 @@ void MainWindow::setCamera(QCameraDevice cameraInfo)
     connect(recorder, &QMediaRecorder::recorderStateChanged, this, &MainWindow::updateRecorderState);
     connect(recorder, SIGNAL(durationChanged( qint64 )), this, SLOT(updateRecordTime( qint64 )));
     connect(recorder, SIGNAL(error( QMediaRecorder::Error )), this, SLOT(recorderError( QMediaRecorder::Error )));
+    // The connection above never takes effect; the recording guard hears of
+    // failures here instead.
+    connect(recorder, &QMediaRecorder::errorOccurred, this, &MainWindow::noteRecorderError);
 
     camera->setWhiteBalanceMode(QCamera::WhiteBalanceManual);
 

@@ -1,19 +1,156 @@
-// MainWindow: recording control and the File Size menu.
+// MainWindow: recording control, the recording guard and the File Size menu.
 #include "mainwindow.h"
 
 #include <QAction>
+#include <QDateTime>
+#include <QDir>
+#include <QFileInfo>
 #include <QLineEdit>
+#include <QMediaMetaData>
+#include <QMessageBox>
+#include <QPushButton>
 #include <QSettings>
+#include <QStorageInfo>
 
 #include "app/orvixlogging.h"
 #include "app/settingskeys.h"
+#include "capture/recordingelements.h"
 #include "mainwindow/sizelimit.h"
+#include "storage/recordinginformation.h"
+#include "storage/storagepaths.h"
+#include "tasks/orvixdelaytask.h"
 #include "tasks/orvixfilesplittask.h"
+#include "widgets/animationlabel.h"
+
+namespace {
+constexpr int focusHintMsec = 5000;
+constexpr int guardIntervalMsec = 500;
+// Video at the encoder's rate plus the sound.
+constexpr qint64 nominalBytesPerSecond = (RecordingElements::bitrateKbit + 128) * 1000 / 8;
+// Longer names are refused by the usual Linux file systems.
+constexpr int longestFileNameBytes = 255;
+
+QString megabytes(qint64 bytes)
+{
+    return QStringLiteral("%1 MB").arg(bytes / (1024 * 1024));
+}
+}
+
+void MainWindow::setupRecordingGuard()
+{
+    recordingGuard = RecordingGuard(nominalBytesPerSecond);
+    recordingClock.start();
+    connect(&recordingGuardTimer, &QTimer::timeout, this, &MainWindow::checkRecording);
+}
+
+QString MainWindow::storageRoot()
+{
+    return QSettings().value(SettingsKeys::storageLocation, QString()).toString();
+}
+
+RecordingInformation MainWindow::liveRecordingInformation() const
+{
+    return { informationText(1), informationText(2), informationText(3), informationText(4), informationText(5) };
+}
 
 void MainWindow::captureVideo()
 {
-    // Starting and stopping recordings arrives with the recording work.
-    qCWarning(lcRecording) << "captureVideo: recording is not available in this build yet";
+    if (!recorder)
+        return;
+    if (recorder->recorderState() != QMediaRecorder::StoppedState) {
+        if (recorder->recorderState() == QMediaRecorder::PausedState) {
+            // Record while paused resumes instead of stopping, on purpose.
+            recorder->record();
+            pauseAction->setText(QStringLiteral("Pause"));
+            return;
+        }
+        stopRecording();
+        return;
+    }
+
+    if (informationText(1).isEmpty()) {
+        QMessageBox box(QMessageBox::Question, QString(), QStringLiteral("Please Enter File information"),
+                        QMessageBox::Ok, nullptr, Qt::Dialog | Qt::MSWindowsFixedSizeDialogHint);
+        box.exec();
+        showFileNameHint();
+        return;
+    }
+
+    const QString path = StoragePaths::moviePath(storageRoot(), informationText(1), QDateTime::currentDateTime());
+    if (!roomToStart(path))
+        return;
+    beginMovieFile(path);
+
+    const RecordingInformation information = liveRecordingInformation();
+    const QString metaDataString = information.metaDataComment();
+    qCDebug(lcRecording) << "metaDataString:" << metaDataString;
+    QMediaMetaData metaData;
+    metaData.insert(QMediaMetaData::Title, information.fileName);
+    metaData.insert(QMediaMetaData::Comment, metaDataString);
+    recorder->setMetaData(metaData);
+
+    recorder->record();
+    recordTimeBadge->show();
+    spaceLowWarned = false;
+    watchMovieFile(path);
+    setupRecordingUIState();
+}
+
+void MainWindow::stopRecording()
+{
+    // Forgotten first, so that the stop is not taken for a failure.
+    recordingMoviePath.clear();
+    recordingGuardTimer.stop();
+    recorder->stop();
+    recordTimeBadge->hide();
+    abortFileSplitTask();
+    offsetHours = offsetMinutes = offsetSeconds = 0;
+    setupIdleUIState();
+}
+
+void MainWindow::showFileNameHint()
+{
+    focusHintTimer.stop();
+    videoCaptureButton->setChecked(false);
+    informationFields[1]->setAttribute(Qt::WA_MacShowFocusRect, true);
+    informationFields[1]->setFocus(Qt::OtherFocusReason);
+    focusHintTimer.start(focusHintMsec);
+}
+
+void MainWindow::beginMovieFile(const QString &path)
+{
+    recorder->setOutputLocation(QUrl::fromLocalFile(path));
+    liveRecordingInformation().write(StoragePaths::recordingInformationPath(path));
+}
+
+void MainWindow::watchMovieFile(const QString &path)
+{
+    abortFileSplitTask();
+    fileSplitTask = new OrvixFileSplitTask(path, sizeLimit, nullptr);
+    connect(fileSplitTask, SIGNAL(splitFile()), this, SLOT(splitVideoFile()));
+    OrvixBasicTask::runInThread(fileSplitTask);
+
+    recordingMoviePath = path;
+    lastRecorderError.clear();
+    recordingGuard.begin(recordingClock.elapsed());
+    recordingGuardTimer.start(guardIntervalMsec);
+}
+
+void MainWindow::continueCaptureVideo()
+{
+    splitDelayTask = nullptr;
+    if (!recorder)
+        return;
+    if (informationText(1).isEmpty()) {
+        // The recording stays stopped under the recording state; deliberate.
+        showFileNameHint();
+        return;
+    }
+    splitPending = false;
+    const QString path = StoragePaths::moviePath(storageRoot(), informationText(1), QDateTime::currentDateTime());
+    beginMovieFile(path);
+    recorder->record();
+    watchMovieFile(path);
 }
 
 void MainWindow::pauseCaptureVideo()
@@ -31,22 +168,55 @@ void MainWindow::pauseCaptureVideo()
 
 void MainWindow::splitVideoFile()
 {
-    qCWarning(lcRecording) << "splitVideoFile: recording is not available in this build yet";
+    if (!recorder || recorder->recorderState() != QMediaRecorder::RecordingState)
+        return;
+    if (fileSplitTask)
+        disconnect(fileSplitTask, SIGNAL(splitFile()), this, SLOT(splitVideoFile()));
+    abortFileSplitTask();
+    recordingMoviePath.clear();
+    recordingGuardTimer.stop();
+    recorder->stop();
+    splitPending = true;
 }
 
 void MainWindow::updateRecorderState(QMediaRecorder::RecorderState state)
 {
-    qCDebug(lcRecording) << "recorder state" << state;
+    if (state != QMediaRecorder::StoppedState)
+        return;
+    if (splitPending) {
+        auto *delay = new OrvixDelayTask;
+        connect(delay, &OrvixDelayTask::delay_surgical, this, [this](int) { continueCaptureVideo(); },
+                Qt::QueuedConnection);
+        connect(delay, &QThread::finished, delay, &QObject::deleteLater);
+        splitDelayTask = delay;
+        delay->start(QThread::InheritPriority);
+        splitPending = false;
+        offsetHours += recordHours;
+        offsetMinutes += recordMinutes;
+        offsetSeconds += recordSeconds;
+    } else if (!recordingMoviePath.isEmpty()) {
+        // Neither the user nor a split stopped it.
+        recordingFailed(lastRecorderError.isEmpty() ? QStringLiteral("the recorder stopped by itself")
+                                                    : lastRecorderError);
+    }
 }
 
 void MainWindow::updateRecordTime(qlonglong duration)
 {
-    qCDebug(lcRecording) << "recorded" << duration << "ms";
+    const qlonglong s = duration / 1000 + offsetSeconds;
+    const qlonglong m = s / 60 + offsetMinutes;
+    recordSeconds = int(s % 60);
+    recordHours = int(offsetHours + m / 60);
+    recordMinutes = int(m % 60);
+    recordTimeBadge->setText(QStringLiteral("%1:%2:%3")
+                                     .arg(recordHours, 2, 10, QLatin1Char('0'))
+                                     .arg(recordMinutes, 2, 10, QLatin1Char('0'))
+                                     .arg(recordSeconds, 2, 10, QLatin1Char('0')));
 }
 
-void MainWindow::recorderError(QMediaRecorder::Error error)
+void MainWindow::recorderError(QMediaRecorder::Error)
 {
-    qCWarning(lcRecording) << "recorder error" << error;
+    QMessageBox::warning(this, tr("Capture error"), recorder->errorString(), QMessageBox::Ok);
 }
 
 void MainWindow::hideFocusRect()
@@ -61,6 +231,126 @@ void MainWindow::abortFileSplitTask()
     fileSplitTask->abort();
     // It deletes itself with its thread.
     fileSplitTask = nullptr;
+}
+
+void MainWindow::forgetSplitDelay()
+{
+    if (!splitDelayTask)
+        return;
+    // It ends within a second and deletes itself; it must not start a file.
+    disconnect(splitDelayTask, &OrvixDelayTask::delay_surgical, this, nullptr);
+    splitDelayTask = nullptr;
+    splitPending = false;
+}
+
+void MainWindow::noteRecorderError(QMediaRecorder::Error, const QString &errorString)
+{
+    qCWarning(lcRecording) << "recorder error:" << errorString;
+    lastRecorderError = errorString;
+    if (!recordingMoviePath.isEmpty())
+        recordingFailed(errorString);
+}
+
+// Why the movie file is not being written, as far as can be seen from here.
+QString MainWindow::movieFileProblem(const QString &path, bool exists) const
+{
+    const QFileInfo file(path);
+    const QFileInfo folder(file.absolutePath());
+    if (!folder.isDir())
+        return tr("its folder %1 does not exist").arg(QDir::toNativeSeparators(folder.absoluteFilePath()));
+    if (!folder.isWritable())
+        return tr("its folder %1 cannot be written to").arg(QDir::toNativeSeparators(folder.absoluteFilePath()));
+    if (file.fileName().toLocal8Bit().size() > longestFileNameBytes)
+        return tr("the file name is too long for the file system");
+    const QStorageInfo volume(folder.absoluteFilePath());
+    if (volume.isValid() && volume.bytesAvailable() < RecordingGuard::finishReserveBytes)
+        return tr("the disk is full");
+    if (!lastRecorderError.isEmpty())
+        return lastRecorderError;
+    return exists ? tr("it has not grown for %1 seconds").arg(RecordingGuard::graceMsec / 1000)
+                  : tr("the recorder has not created it");
+}
+
+void MainWindow::recordingFailed(const QString &reason)
+{
+    const QString path = recordingMoviePath;
+    qCWarning(lcRecording) << "recording failed:" << path << reason;
+    stopRecording();
+    showRecordingWarning(tr("Nothing is being recorded into %1: %2.\n\n"
+                            "The recording has been stopped. Check the file name and the storage folder, "
+                            "then press Record to start again.")
+                                 .arg(QDir::toNativeSeparators(path), reason));
+}
+
+bool MainWindow::roomToStart(const QString &path)
+{
+    const QStorageInfo volume(QFileInfo(path).absolutePath());
+    if (!volume.isValid() || volume.bytesAvailable() >= RecordingGuard::finishReserveBytes
+                + RecordingGuard::stopSeconds * recordingGuard.bytesPerSecond())
+        return true;
+    videoCaptureButton->setChecked(false);
+    showRecordingWarning(tr("The disk of the storage folder is full (%1 free): no recording was started.\n\n"
+                            "Make room on it or choose another storage folder.")
+                                 .arg(megabytes(volume.bytesAvailable())));
+    return false;
+}
+
+void MainWindow::checkRecording()
+{
+    if (!recorder || recordingMoviePath.isEmpty())
+        return;
+    const qint64 now = recordingClock.elapsed();
+    if (recorder->recorderState() == QMediaRecorder::PausedState) {
+        recordingGuard.resume(now);
+        return;
+    }
+    if (recorder->recorderState() != QMediaRecorder::RecordingState)
+        return;
+
+    const QFileInfo file(recordingMoviePath);
+    const QStorageInfo volume(file.absolutePath());
+    const qint64 available = volume.isValid() ? volume.bytesAvailable() : -1;
+    const bool exists = file.exists();
+    switch (recordingGuard.check(now, exists, file.size(), available)) {
+    case RecordingGuard::Finding::None:
+        break;
+    case RecordingGuard::Finding::NotCreated:
+    case RecordingGuard::Finding::NotGrowing:
+        recordingFailed(movieFileProblem(recordingMoviePath, exists));
+        break;
+    case RecordingGuard::Finding::SpaceExhausted: {
+        const QString path = recordingMoviePath;
+        stopRecording();
+        showRecordingWarning(tr("The disk of the storage folder is almost full (%1 free).\n\n"
+                                "The recording has been stopped and saved as %2. "
+                                "Make room on the disk before recording again.")
+                                     .arg(megabytes(available), QDir::toNativeSeparators(path)));
+        break;
+    }
+    case RecordingGuard::Finding::SpaceLow:
+        if (!spaceLowWarned) {
+            spaceLowWarned = true;
+            showRecordingWarning(tr("Only about %1 minutes of recording still fit on the disk of the storage folder "
+                                    "(%2 free).\n\nThe recording goes on and is stopped and saved before the disk "
+                                    "is full. Make room on the disk or choose another storage folder.")
+                                         .arg(recordingGuard.secondsThatFit(available) / 60)
+                                         .arg(megabytes(available)));
+        }
+        break;
+    }
+}
+
+void MainWindow::showRecordingWarning(const QString &text)
+{
+    // Not modal: the live view and F4/F5 must stay within reach.
+    if (!recordingWarning) {
+        recordingWarning = new QMessageBox(QMessageBox::Warning, tr("Recording"), QString(), QMessageBox::Ok, this);
+        recordingWarning->setObjectName(QStringLiteral("RecordingWarning"));
+        recordingWarning->setWindowModality(Qt::NonModal);
+    }
+    recordingWarning->setText(text);
+    recordingWarning->show();
+    recordingWarning->raise();
 }
 
 void MainWindow::applySizeLimitEntry(int entry)

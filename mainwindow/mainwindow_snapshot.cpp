@@ -1,9 +1,11 @@
 // MainWindow: still pictures of the live view.
 #include "mainwindow.h"
 
+#include <QDateTime>
 #include <QPushButton>
 
 #include "app/orvixlogging.h"
+#include "storage/storagepaths.h"
 
 void MainWindow::captureStillImage()
 {
@@ -11,8 +13,11 @@ void MainWindow::captureStillImage()
         qWarning() << "QCameraImageCapture is not ready!";
         return;
     }
-    // Writing snapshot files arrives with the snapshot work.
-    qCWarning(lcRecording) << "captureStillImage: snapshots are not available in this build yet";
+    // The folder is not made here: first run and a new storage root make it.
+    const QString path = StoragePaths::imagePath(storageRoot(), QDateTime::currentDateTime());
+    imageCapturePending = true;
+    imageCapture->captureToFile(path);
+    imageCaptureButton->setEnabled(false);
 }
 
 void MainWindow::readyForCapture(bool ready)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QChar>
+#include <QDateTime>
 #include <QString>
 
 namespace StoragePaths {
@@ -12,5 +13,15 @@ QChar separator();
 
 // folder + separator + name.
 QString join(const QString &folder, const QString &name);
+
+// root/Movie/<name>_yyMMdd_hhmmss.mp4; the name is taken as typed.
+QString moviePath(const QString &root, const QString &name, const QDateTime &time);
+
+// root/Image/yyMMdd_hhmmss.jpg.
+QString imagePath(const QString &root, const QDateTime &time);
+
+// The information file written beside a movie as it is recorded: the path
+// with its last ".mp4" cut off, plus ".ini".
+QString recordingInformationPath(const QString &moviePath);
 
 } // namespace StoragePaths

@@ -96,14 +96,23 @@ bool VirtualDevices::pactl(const QStringList &arguments, QString *error)
 
 bool VirtualDevices::addMicrophone(const QString &description, int frequency, QString *error)
 {
+    // A sine played into a sink of its own, heard through that sink's
+    // monitor: it delivers as often as the reader asks, as a real microphone
+    // does. module-sine-source hands out two-second blocks, which stalls a
+    // recorder's muxer waiting for sound.
     const int number = nextMicrophone++;
-    const QString sine = QStringLiteral("sine%1").arg(number);
-    if (!pactl({ QStringLiteral("load-module"), QStringLiteral("module-sine-source"),
-                 QStringLiteral("source_name=") + sine, QStringLiteral("frequency=%1").arg(frequency) }, error))
+    const QString feed = QStringLiteral("feed%1").arg(number);
+    if (!pactl({ QStringLiteral("load-module"), QStringLiteral("module-null-sink"), QStringLiteral("sink_name=") + feed,
+                 QStringLiteral("sink_properties=device.description=") + feed },
+               error))
+        return false;
+    if (!pactl({ QStringLiteral("load-module"), QStringLiteral("module-sine"), QStringLiteral("sink=") + feed,
+                 QStringLiteral("frequency=%1").arg(frequency) },
+               error))
         return false;
     // The outer value in double quotes, the inner in single: nothing else is accepted.
     return pactl({ QStringLiteral("load-module"), QStringLiteral("module-remap-source"),
-                   QStringLiteral("source_name=mic%1").arg(number), QStringLiteral("master=") + sine,
+                   QStringLiteral("source_name=mic%1").arg(number), QStringLiteral("master=") + feed + QStringLiteral(".monitor"),
                    QStringLiteral("source_properties=\"device.description='%1'\"").arg(description) }, error);
 }
 

@@ -1,0 +1,31 @@
+// GStreamer elements of our own under Qt's recorder. Qt picks the muxer and
+// the encoder of a recording by rank and exposes neither, so the defaults
+// that matter in an operating room are given to subclasses that outrank the
+// stock elements:
+// - a muxer that writes the movie as one-second fragments and turns it into
+//   an ordinary MP4 at the end, so that a killed program or a pulled cable
+//   leaves a playable file;
+// - the H.264 stream in 4:2:0, which every player and hardware decoder
+//   plays (a YUY2 camera otherwise gets 4:2:2);
+// - an encoder fast enough for 1080p at 30 fps on two cores, without a
+//   look-ahead that a crash would lose.
+#pragma once
+
+namespace RecordingElements {
+
+// Registers the elements once; later calls do nothing. False when the stock
+// elements they build on are missing (the recorder then uses its defaults).
+bool install();
+
+// The factory names, for tests and benchmarks.
+inline constexpr const char *muxerName = "orvixmp4mux";
+inline constexpr const char *encoderName = "orvixx264enc";
+
+// The encoder's settings, so that a plain pipeline can be given the same.
+inline constexpr const char *speedPreset = "superfast";
+inline constexpr const char *tune = "zerolatency";
+inline constexpr int bitrateKbit = 6000;
+inline constexpr int keyframeInterval = 60;
+inline constexpr int fragmentMilliseconds = 1000;
+
+} // namespace RecordingElements

@@ -1,0 +1,75 @@
+// What ffprobe and ffmpeg say of a movie file.
+#include "movieprobe.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+
+namespace {
+QByteArray run(const QString &program, const QStringList &arguments, QByteArray *errors = nullptr)
+{
+    QProcess process;
+    process.start(program, arguments);
+    process.waitForFinished(120000);
+    if (errors)
+        *errors = process.readAllStandardError();
+    return process.readAllStandardOutput();
+}
+
+// Duration from the stream, else from its last packet's end: a file cut
+// short by a crash has no index to say it.
+double streamSeconds(const QJsonObject &stream)
+{
+    bool ok = false;
+    const double duration = stream.value(QStringLiteral("duration")).toString().toDouble(&ok);
+    return ok ? duration : 0;
+}
+}
+
+MovieProbe MovieProbe::probe(const QString &path)
+{
+    MovieProbe probe;
+    const QByteArray json = run(QStringLiteral("ffprobe"),
+                                { QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-count_packets"),
+                                  QStringLiteral("-show_streams"), QStringLiteral("-of"), QStringLiteral("json"), path });
+    const QJsonArray streams = QJsonDocument::fromJson(json).object().value(QStringLiteral("streams")).toArray();
+    probe.opened = !streams.isEmpty();
+    for (const QJsonValue &value : streams) {
+        const QJsonObject stream = value.toObject();
+        const QString type = stream.value(QStringLiteral("codec_type")).toString();
+        if (type == QLatin1String("video") && probe.videoCodec.isEmpty()) {
+            probe.videoCodec = stream.value(QStringLiteral("codec_name")).toString();
+            probe.profile = stream.value(QStringLiteral("profile")).toString();
+            probe.pixelFormat = stream.value(QStringLiteral("pix_fmt")).toString();
+            probe.width = stream.value(QStringLiteral("width")).toInt();
+            probe.height = stream.value(QStringLiteral("height")).toInt();
+            probe.frames = stream.value(QStringLiteral("nb_read_packets")).toString().toLongLong();
+            probe.videoSeconds = streamSeconds(stream);
+        } else if (type == QLatin1String("audio") && probe.audioCodec.isEmpty()) {
+            probe.audioCodec = stream.value(QStringLiteral("codec_name")).toString();
+            probe.audioSeconds = streamSeconds(stream);
+        }
+    }
+    QByteArray errors;
+    run(QStringLiteral("ffmpeg"), { QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-i"), path,
+                                    QStringLiteral("-f"), QStringLiteral("null"), QStringLiteral("-") },
+        &errors);
+    probe.decodeErrors = QString::fromLocal8Bit(errors).trimmed();
+    return probe;
+}
+
+QString MovieProbe::describe() const
+{
+    return QStringLiteral("opened %1, video %2 %3 %4 %5x%6, %7 frames in %8 s (%9 fps), audio %10 %11 s, errors: %12")
+            .arg(opened)
+            .arg(videoCodec, profile, pixelFormat)
+            .arg(width)
+            .arg(height)
+            .arg(frames)
+            .arg(videoSeconds)
+            .arg(framesPerSecond())
+            .arg(audioCodec)
+            .arg(audioSeconds)
+            .arg(decodeErrors.left(300));
+}

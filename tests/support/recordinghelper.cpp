@@ -1,0 +1,35 @@
+// The main window in a process of its own that starts recording as soon as
+// the camera is live, and says where: a test kills it mid-recording.
+// Usage: recordinghelper <file name>
+#include <cstdio>
+
+#include <QApplication>
+#include <QLineEdit>
+#include <QTimer>
+
+#include "capture/recordingelements.h"
+#include "mainwindow/mainwindow.h"
+
+int main(int argc, char *argv[])
+{
+    QApplication app(argc, argv);
+    QCoreApplication::setOrganizationName(QStringLiteral("Kelvane"));
+    QCoreApplication::setApplicationName(QStringLiteral("Orvix"));
+    if (argc < 2)
+        return 2;
+
+    MainWindow window;
+    window.show();
+    window.findChild<QLineEdit *>(QStringLiteral("InformationFileNameEdit"))->setText(QString::fromLocal8Bit(argv[1]));
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, &window, [&] {
+        if (!window.isCameraLive())
+            return;
+        poll.stop();
+        window.captureVideo();
+        std::printf("recording %s\n", qPrintable(window.recordingFile()));
+        std::fflush(stdout);
+    });
+    poll.start(100);
+    return app.exec();
+}
