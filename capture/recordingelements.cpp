@@ -21,8 +21,11 @@ void muxerConstructed(GObject *object)
 {
     if (muxerParentClass->constructed)
         muxerParentClass->constructed(object);
+    // Plain fragments, each playable as soon as it is on disk. The mode that
+    // rewrites the file into an unfragmented one at the end writes MP3 sound
+    // that no player can open after a crash.
     g_object_set(object, "fragment-duration", guint(RecordingElements::fragmentMilliseconds), nullptr);
-    gst_util_set_object_arg(object, "fragment-mode", "first-moov-then-finalise");
+    gst_util_set_object_arg(object, "fragment-mode", "dash-or-mss");
 }
 
 void muxerClassInit(gpointer klass, gpointer)

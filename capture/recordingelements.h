@@ -2,9 +2,9 @@
 // the encoder of a recording by rank and exposes neither, so the defaults
 // that matter in an operating room are given to subclasses that outrank the
 // stock elements:
-// - a muxer that writes the movie as one-second fragments and turns it into
-//   an ordinary MP4 at the end, so that a killed program or a pulled cable
-//   leaves a playable file;
+// - a muxer that writes the movie as one-second fragments, so that a killed
+//   program or a pulled cable leaves a playable file (at the end it adds
+//   the duration and an index for seeking);
 // - the H.264 stream in 4:2:0, which every player and hardware decoder
 //   plays (a YUY2 camera otherwise gets 4:2:2);
 // - an encoder fast enough for 1080p at 30 fps on two cores, without a

@@ -240,8 +240,11 @@ private:
     QString movieFileProblem(const QString &path, bool exists) const;
     void recordingFailed(const QString &reason);
     bool roomToStart(const QString &path);
+    bool nameFitsFileSystem(const QString &path);
+    static QString movieFolderNote(const QString &path);
     void checkRecording();
     void showRecordingWarning(const QString &text);
+    static void removeEmptyMovie(const QString &path);
 
     // mainwindow_information.cpp
     void refillLiveInformation();
@@ -299,6 +302,7 @@ private:
 
     // The recording guard: the file being written, and what was said of it.
     QString recordingMoviePath;
+    QString finishingMoviePath; // stopped, not yet finished
     QString lastRecorderError;
     RecordingGuard recordingGuard;
     QTimer recordingGuardTimer;

@@ -1,9 +1,12 @@
 // MainWindow: recording control, the recording guard and the File Size menu.
 #include "mainwindow.h"
 
+#include <utility>
+
 #include <QAction>
 #include <QDateTime>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QMediaMetaData>
@@ -29,6 +32,8 @@ constexpr int guardIntervalMsec = 500;
 constexpr qint64 nominalBytesPerSecond = (RecordingElements::bitrateKbit + 128) * 1000 / 8;
 // Longer names are refused by the usual Linux file systems.
 constexpr int longestFileNameBytes = 255;
+// Headers alone; a single 1080p picture is several times this.
+constexpr qint64 emptyMovieBytes = 16 * 1024;
 
 QString megabytes(qint64 bytes)
 {
@@ -77,8 +82,9 @@ void MainWindow::captureVideo()
     }
 
     const QString path = StoragePaths::moviePath(storageRoot(), informationText(1), QDateTime::currentDateTime());
-    if (!roomToStart(path))
+    if (!roomToStart(path) || !nameFitsFileSystem(path))
         return;
+    const QString folderNote = movieFolderNote(path);
     beginMovieFile(path);
 
     const RecordingInformation information = liveRecordingInformation();
@@ -94,12 +100,31 @@ void MainWindow::captureVideo()
     spaceLowWarned = false;
     watchMovieFile(path);
     setupRecordingUIState();
+    if (!folderNote.isEmpty())
+        showRecordingWarning(folderNote);
+}
+
+// The recorder makes a missing folder itself; the user is told when the
+// movie does not land where the storage browser looks.
+QString MainWindow::movieFolderNote(const QString &path)
+{
+    const QString folder = QFileInfo(path).absolutePath();
+    const QString movies = QFileInfo(StoragePaths::join(storageRoot(), QStringLiteral("Movie"))).absoluteFilePath();
+    if (QDir::cleanPath(folder) != QDir::cleanPath(movies))
+        return tr("The file name contains \"%1\", so the movie is recorded into the folder %2, "
+                  "not into the Movie folder, and the storage browser does not show it.")
+                .arg(QString(QDir::separator()), QDir::toNativeSeparators(folder));
+    if (!QFileInfo(folder).isDir())
+        return tr("The folder %1 did not exist (was the storage folder moved or deleted?). "
+                  "It has been made again, and the movie is recorded into it.")
+                .arg(QDir::toNativeSeparators(folder));
+    return QString();
 }
 
 void MainWindow::stopRecording()
 {
     // Forgotten first, so that the stop is not taken for a failure.
-    recordingMoviePath.clear();
+    finishingMoviePath = std::exchange(recordingMoviePath, QString());
     recordingGuardTimer.stop();
     recorder->stop();
     recordTimeBadge->hide();
@@ -173,7 +198,7 @@ void MainWindow::splitVideoFile()
     if (fileSplitTask)
         disconnect(fileSplitTask, SIGNAL(splitFile()), this, SLOT(splitVideoFile()));
     abortFileSplitTask();
-    recordingMoviePath.clear();
+    finishingMoviePath = std::exchange(recordingMoviePath, QString());
     recordingGuardTimer.stop();
     recorder->stop();
     splitPending = true;
@@ -183,6 +208,7 @@ void MainWindow::updateRecorderState(QMediaRecorder::RecorderState state)
 {
     if (state != QMediaRecorder::StoppedState)
         return;
+    removeEmptyMovie(std::exchange(finishingMoviePath, QString()));
     if (splitPending) {
         auto *delay = new OrvixDelayTask;
         connect(delay, &OrvixDelayTask::delay_surgical, this, [this](int) { continueCaptureVideo(); },
@@ -199,6 +225,18 @@ void MainWindow::updateRecorderState(QMediaRecorder::RecorderState state)
         recordingFailed(lastRecorderError.isEmpty() ? QStringLiteral("the recorder stopped by itself")
                                                     : lastRecorderError);
     }
+}
+
+// A file stopped before its first picture reached it holds only headers
+// that no player opens; it and its information file go.
+void MainWindow::removeEmptyMovie(const QString &path)
+{
+    const QFileInfo movie(path);
+    if (path.isEmpty() || !movie.exists() || movie.size() > emptyMovieBytes)
+        return;
+    qCWarning(lcRecording) << "removing a movie that holds no picture:" << path;
+    QFile::remove(path);
+    QFile::remove(StoragePaths::recordingInformationPath(path));
 }
 
 void MainWindow::updateRecordTime(qlonglong duration)
@@ -248,7 +286,7 @@ void MainWindow::noteRecorderError(QMediaRecorder::Error, const QString &errorSt
     qCWarning(lcRecording) << "recorder error:" << errorString;
     lastRecorderError = errorString;
     if (!recordingMoviePath.isEmpty())
-        recordingFailed(errorString);
+        recordingFailed(movieFileProblem(recordingMoviePath, QFileInfo::exists(recordingMoviePath)));
 }
 
 // Why the movie file is not being written, as far as can be seen from here.
@@ -280,6 +318,19 @@ void MainWindow::recordingFailed(const QString &reason)
                             "The recording has been stopped. Check the file name and the storage folder, "
                             "then press Record to start again.")
                                  .arg(QDir::toNativeSeparators(path), reason));
+}
+
+// The recorder would fail on such a name, and the failure's echoes would
+// stop the next recording too: it is refused before it starts.
+bool MainWindow::nameFitsFileSystem(const QString &path)
+{
+    if (QFileInfo(path).fileName().toLocal8Bit().size() <= longestFileNameBytes)
+        return true;
+    videoCaptureButton->setChecked(false);
+    showRecordingWarning(tr("No recording was started into %1: the file name is too long for the file system.\n\n"
+                            "Shorten the file name and press Record again.")
+                                 .arg(QDir::toNativeSeparators(path)));
+    return false;
 }
 
 bool MainWindow::roomToStart(const QString &path)

@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QLineEdit>
+#include <QTest>
 #include <QTimer>
 
 #include "capture/recordingelements.h"
@@ -26,6 +27,8 @@ int main(int argc, char *argv[])
         if (!window.isCameraLive())
             return;
         poll.stop();
+        // As a user would: the picture and the sound have started by then.
+        QTest::qWait(2000);
         window.captureVideo();
         std::printf("recording %s\n", qPrintable(window.recordingFile()));
         std::fflush(stdout);
