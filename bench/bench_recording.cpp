@@ -116,8 +116,11 @@ void print(const Run &run, const Run &reference)
     const double seconds = run.movie.videoSeconds;
     const double cpuPerSecond = seconds > 0 ? run.cpu / seconds : 0;
     const double referenceCpu = reference.cpu / reference.movie.videoSeconds;
-    std::printf("| %-26s | %6.2f | %7.1f | %9.3f | %7.2f | %8.2f |\n", run.name, run.movie.framesPerSecond(), seconds,
-                cpuPerSecond, cpuPerSecond / referenceCpu, seconds > 0 ? run.bytes * 8 / seconds / 1e6 : 0.0);
+    // The live view alone writes no file: no frame rate or bit rate to show.
+    const QByteArray fps = run.bytes > 0 ? QByteArray::number(run.movie.framesPerSecond(), 'f', 2) : QByteArray("-");
+    const QByteArray bitrate = run.bytes > 0 ? QByteArray::number(run.bytes * 8 / seconds / 1e6, 'f', 2) : QByteArray("-");
+    std::printf("| %-26s | %6s | %7.1f | %9.3f | %7.2f | %8s |\n", run.name, fps.constData(), seconds, cpuPerSecond,
+                cpuPerSecond / referenceCpu, bitrate.constData());
 }
 }
 

@@ -17,6 +17,71 @@ constexpr int elementRank = GST_RANK_PRIMARY + 100;
 GObjectClass *muxerParentClass = nullptr;
 GObjectClass *encoderParentClass = nullptr;
 
+// How long data may wait for a peer that is starting.
+constexpr gint64 peerStartWaitUsec = 2 * G_USEC_PER_SEC;
+
+// A live source whose data meets a peer that is not yet running takes the
+// refusal as the end of its stream and stops for good. Qt links the camera
+// and the microphone to parts of the capture session, and each recording's
+// branch to them, before those parts run: a microphone stopped that way
+// leaves every later recording without a byte, and its stop hangs. Data
+// waits at such a link until the peer runs, or until its own side stops.
+GstPadProbeReturn waitForRunningPeer(GstPad *pad, GstPadProbeInfo *, gpointer)
+{
+    GstPad *peer = gst_pad_get_peer(pad);
+    if (!peer)
+        return GST_PAD_PROBE_OK;
+    const gint64 deadline = g_get_monotonic_time() + peerStartWaitUsec;
+    while (GST_PAD_IS_FLUSHING(peer) && !GST_PAD_IS_FLUSHING(pad) && g_get_monotonic_time() < deadline)
+        g_usleep(1000);
+    gst_object_unref(peer);
+    return GST_PAD_PROBE_OK;
+}
+
+bool isGlue(GstElement *element)
+{
+    if (!element)
+        return false;
+    if (GST_OBJECT_FLAG_IS_SET(element, GST_ELEMENT_FLAG_SOURCE))
+        return true;
+    GstElementFactory *factory = gst_element_get_factory(element);
+    const gchar *name = factory ? gst_plugin_feature_get_name(GST_PLUGIN_FEATURE(factory)) : nullptr;
+    return name && (g_str_equal(name, "tee") || g_str_equal(name, "capsfilter"));
+}
+
+void padLinked(GObject *, GstClockTime, GstPad *source, GstPad *, GstPadLinkReturn result)
+{
+    if (result != GST_PAD_LINK_OK || g_object_get_data(G_OBJECT(source), "orvix-waits"))
+        return;
+    GstElement *element = gst_pad_get_parent_element(source);
+    if (isGlue(element)) {
+        g_object_set_data(G_OBJECT(source), "orvix-waits", GINT_TO_POINTER(1));
+        qCDebug(lcRecording) << "data waits for a starting peer at" << GST_OBJECT_NAME(element) << GST_OBJECT_NAME(source);
+        gst_pad_add_probe(source, GST_PAD_PROBE_TYPE_DATA_DOWNSTREAM, waitForRunningPeer, nullptr, nullptr);
+    }
+    if (element)
+        gst_object_unref(element);
+}
+
+// The links are made by Qt, out of reach; a tracer hears of every one.
+void sourceWatcherInit(GTypeInstance *instance, gpointer)
+{
+    gst_tracing_register_hook(GST_TRACER(instance), "pad-link-post", G_CALLBACK(padLinked));
+}
+
+void watchLinks()
+{
+    GTypeQuery query;
+    g_type_query(GST_TYPE_TRACER, &query);
+    GTypeInfo info = {};
+    info.class_size = guint16(query.class_size);
+    info.instance_size = guint16(query.instance_size);
+    info.instance_init = sourceWatcherInit;
+    const GType type = g_type_register_static(GST_TYPE_TRACER, "OrvixLinkWatcher", &info, GTypeFlags(0));
+    // Lives as long as the process.
+    g_object_new(type, nullptr);
+}
+
 void muxerConstructed(GObject *object)
 {
     if (muxerParentClass->constructed)
@@ -101,6 +166,7 @@ bool install()
     std::call_once(once, [] {
         if (!gst_is_initialized() && !gst_init_check(nullptr, nullptr, nullptr))
             return;
+        watchLinks();
         const bool muxer = registerSubclass("mp4mux", "OrvixMp4Mux", muxerName, muxerClassInit);
         const bool encoder = registerSubclass("x264enc", "OrvixX264Enc", encoderName, encoderClassInit);
         installed = muxer && encoder;

@@ -230,11 +230,13 @@ private:
     void abortFileSplitTask();
     void forgetSplitDelay();
     void stopRecording();
+    void stopRecordingOnceStarted();
     void showFileNameHint();
     void beginMovieFile(const QString &path);
     void watchMovieFile(const QString &path);
     void continueCaptureVideo();
     static QString storageRoot();
+    QString newMoviePath() const;
     RecordingInformation liveRecordingInformation() const;
     void noteRecorderError(QMediaRecorder::Error error, const QString &errorString);
     QString movieFileProblem(const QString &path, bool exists) const;
@@ -308,6 +310,7 @@ private:
     QTimer recordingGuardTimer;
     QElapsedTimer recordingClock;
     bool spaceLowWarned = false;
+    bool stopWaiting = false; // a stop waits for the file's first moment
     QMessageBox *recordingWarning = nullptr;
 
     // Settings mirrors and state.

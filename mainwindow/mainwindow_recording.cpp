@@ -32,6 +32,8 @@ constexpr int guardIntervalMsec = 500;
 constexpr qint64 nominalBytesPerSecond = (RecordingElements::bitrateKbit + 128) * 1000 / 8;
 // Longer names are refused by the usual Linux file systems.
 constexpr int longestFileNameBytes = 255;
+// Time for the sound to reach a new file; a stop waits for it.
+constexpr qint64 minimumMovieMsec = 1500;
 // Headers alone; a single 1080p picture is several times this.
 constexpr qint64 emptyMovieBytes = 16 * 1024;
 
@@ -48,6 +50,18 @@ void MainWindow::setupRecordingGuard()
     connect(&recordingGuardTimer, &QTimer::timeout, this, &MainWindow::checkRecording);
 }
 
+// A stop and a new start within one second would give the same name, and
+// the recorder would write over the earlier movie: a later second is taken.
+QString MainWindow::newMoviePath() const
+{
+    const QString root = storageRoot();
+    const QDateTime now = QDateTime::currentDateTime();
+    QString path = StoragePaths::moviePath(root, informationText(1), now);
+    for (int later = 1; QFileInfo::exists(path) && later < 3600; ++later)
+        path = StoragePaths::moviePath(root, informationText(1), now.addSecs(later));
+    return path;
+}
+
 QString MainWindow::storageRoot()
 {
     return QSettings().value(SettingsKeys::storageLocation, QString()).toString();
@@ -62,6 +76,14 @@ void MainWindow::captureVideo()
 {
     if (!recorder)
         return;
+    // Between two files of a split the recorder stands still, but the
+    // recording goes on: a press then means stop, not a new recording.
+    if (splitPending || splitDelayTask) {
+        qCDebug(lcRecording) << "stop between two files; recorder" << recorder->recorderState();
+        forgetSplitDelay();
+        stopRecording();
+        return;
+    }
     if (recorder->recorderState() != QMediaRecorder::StoppedState) {
         if (recorder->recorderState() == QMediaRecorder::PausedState) {
             // Record while paused resumes instead of stopping, on purpose.
@@ -69,7 +91,7 @@ void MainWindow::captureVideo()
             pauseAction->setText(QStringLiteral("Pause"));
             return;
         }
-        stopRecording();
+        stopRecordingOnceStarted();
         return;
     }
 
@@ -81,7 +103,7 @@ void MainWindow::captureVideo()
         return;
     }
 
-    const QString path = StoragePaths::moviePath(storageRoot(), informationText(1), QDateTime::currentDateTime());
+    const QString path = newMoviePath();
     if (!roomToStart(path) || !nameFitsFileSystem(path))
         return;
     const QString folderNote = movieFolderNote(path);
@@ -121,10 +143,30 @@ QString MainWindow::movieFolderNote(const QString &path)
     return QString();
 }
 
+// A file stopped in its first moment can end before the sound has reached
+// it, and then no player opens it: the stop waits until it holds a moment.
+void MainWindow::stopRecordingOnceStarted()
+{
+    const qint64 wait = minimumMovieMsec - recorder->duration();
+    if (wait <= 0) {
+        stopRecording();
+        return;
+    }
+    if (stopWaiting)
+        return;
+    stopWaiting = true;
+    QTimer::singleShot(int(wait), this, [this] {
+        stopWaiting = false;
+        if (recorder && recorder->recorderState() != QMediaRecorder::StoppedState)
+            stopRecording();
+    });
+}
+
 void MainWindow::stopRecording()
 {
     // Forgotten first, so that the stop is not taken for a failure.
-    finishingMoviePath = std::exchange(recordingMoviePath, QString());
+    if (!recordingMoviePath.isEmpty())
+        finishingMoviePath = std::exchange(recordingMoviePath, QString());
     recordingGuardTimer.stop();
     recorder->stop();
     recordTimeBadge->hide();
@@ -172,7 +214,7 @@ void MainWindow::continueCaptureVideo()
         return;
     }
     splitPending = false;
-    const QString path = StoragePaths::moviePath(storageRoot(), informationText(1), QDateTime::currentDateTime());
+    const QString path = newMoviePath();
     beginMovieFile(path);
     recorder->record();
     watchMovieFile(path);
@@ -273,12 +315,12 @@ void MainWindow::abortFileSplitTask()
 
 void MainWindow::forgetSplitDelay()
 {
+    splitPending = false;
     if (!splitDelayTask)
         return;
     // It ends within a second and deletes itself; it must not start a file.
     disconnect(splitDelayTask, &OrvixDelayTask::delay_surgical, this, nullptr);
     splitDelayTask = nullptr;
-    splitPending = false;
 }
 
 void MainWindow::noteRecorderError(QMediaRecorder::Error, const QString &errorString)
@@ -355,8 +397,11 @@ void MainWindow::checkRecording()
         recordingGuard.resume(now);
         return;
     }
-    if (recorder->recorderState() != QMediaRecorder::RecordingState)
+    if (recorder->recorderState() == QMediaRecorder::StoppedState) {
+        // The recorder refused to start, or stopped without saying so.
+        recordingFailed(movieFileProblem(recordingMoviePath, QFileInfo::exists(recordingMoviePath)));
         return;
+    }
 
     const QFileInfo file(recordingMoviePath);
     const QStorageInfo volume(file.absolutePath());
