@@ -6,6 +6,7 @@
 #ifdef ORVIX_HAVE_GSTREAMER
 
 #include <mutex>
+#include <vector>
 
 #include <gst/gst.h>
 
@@ -38,6 +39,19 @@ GstPadProbeReturn waitForRunningPeer(GstPad *pad, GstPadProbeInfo *, gpointer)
     return GST_PAD_PROBE_OK;
 }
 
+// The live sources seen, to set going again one that stopped (see above).
+std::mutex sourcesLock;
+std::vector<GWeakRef *> sources;
+int revivedTotal = 0;
+
+void rememberSource(GstElement *element)
+{
+    std::lock_guard<std::mutex> locked(sourcesLock);
+    auto *ref = new GWeakRef;
+    g_weak_ref_init(ref, element);
+    sources.push_back(ref);
+}
+
 bool isGlue(GstElement *element)
 {
     if (!element)
@@ -55,6 +69,8 @@ void padLinked(GObject *, GstClockTime, GstPad *source, GstPad *, GstPadLinkRetu
         return;
     GstElement *element = gst_pad_get_parent_element(source);
     if (isGlue(element)) {
+        if (GST_OBJECT_FLAG_IS_SET(element, GST_ELEMENT_FLAG_SOURCE))
+            rememberSource(element);
         g_object_set_data(G_OBJECT(source), "orvix-waits", GINT_TO_POINTER(1));
         qCDebug(lcRecording) << "data waits for a starting peer at" << GST_OBJECT_NAME(element) << GST_OBJECT_NAME(source);
         gst_pad_add_probe(source, GST_PAD_PROBE_TYPE_DATA_DOWNSTREAM, waitForRunningPeer, nullptr, nullptr);
@@ -174,6 +190,43 @@ bool install()
     return installed;
 }
 
+int revivedSources()
+{
+    std::lock_guard<std::mutex> locked(sourcesLock);
+    return revivedTotal;
+}
+
+int reviveStoppedSources()
+{
+    std::lock_guard<std::mutex> locked(sourcesLock);
+    int revived = 0;
+    for (auto it = sources.begin(); it != sources.end();) {
+        auto *element = static_cast<GstElement *>(g_weak_ref_get(*it));
+        if (!element) {
+            g_weak_ref_clear(*it);
+            delete *it;
+            it = sources.erase(it);
+            continue;
+        }
+        GstState state = GST_STATE_NULL;
+        gst_element_get_state(element, &state, nullptr, 0);
+        GstPad *pad = gst_element_get_static_pad(element, "src");
+        GstTask *task = pad ? GST_PAD_TASK(pad) : nullptr;
+        if (state == GST_STATE_PLAYING && task && gst_task_get_state(task) == GST_TASK_PAUSED) {
+            qCWarning(lcRecording) << "setting the stopped source" << GST_OBJECT_NAME(element) << "going again";
+            gst_element_set_state(element, GST_STATE_READY);
+            gst_element_sync_state_with_parent(element);
+            ++revived;
+            ++revivedTotal;
+        }
+        if (pad)
+            gst_object_unref(pad);
+        gst_object_unref(element);
+        ++it;
+    }
+    return revived;
+}
+
 } // namespace RecordingElements
 
 #else
@@ -182,6 +235,14 @@ namespace RecordingElements {
 bool install()
 {
     return false;
+}
+int reviveStoppedSources()
+{
+    return 0;
+}
+int revivedSources()
+{
+    return 0;
 }
 } // namespace RecordingElements
 

@@ -17,6 +17,13 @@ namespace RecordingElements {
 // elements they build on are missing (the recorder then uses its defaults).
 bool install();
 
+// A live source stops for good when a part of the capture session refuses
+// its data while being set up; Qt then records nothing and its stop hangs.
+// Sets every such source of a running session going again; how many.
+int reviveStoppedSources();
+// How many were set going again since the start, for tests.
+int revivedSources();
+
 // The factory names, for tests and benchmarks.
 inline constexpr const char *muxerName = "orvixmp4mux";
 inline constexpr const char *encoderName = "orvixx264enc";

@@ -15,6 +15,7 @@
 #include <QMutex>
 #include <QMediaCaptureSession>
 #include <QMediaRecorder>
+#include <QDeadlineTimer>
 #include <QElapsedTimer>
 #include <QModelIndex>
 #include <QPointer>
@@ -231,6 +232,7 @@ private:
     void forgetSplitDelay();
     void stopRecording();
     void stopRecordingOnceStarted();
+    void stopWhenWritten();
     void showFileNameHint();
     void beginMovieFile(const QString &path);
     void watchMovieFile(const QString &path);
@@ -310,7 +312,9 @@ private:
     QTimer recordingGuardTimer;
     QElapsedTimer recordingClock;
     bool spaceLowWarned = false;
-    bool stopWaiting = false; // a stop waits for the file's first moment
+    // A stop waits for the file's first picture and sound.
+    QTimer stopWaitTimer;
+    QDeadlineTimer stopWaitDeadline;
     QMessageBox *recordingWarning = nullptr;
 
     // Settings mirrors and state.

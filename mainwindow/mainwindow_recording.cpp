@@ -5,6 +5,7 @@
 
 #include <QAction>
 #include <QDateTime>
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -32,8 +33,9 @@ constexpr int guardIntervalMsec = 500;
 constexpr qint64 nominalBytesPerSecond = (RecordingElements::bitrateKbit + 128) * 1000 / 8;
 // Longer names are refused by the usual Linux file systems.
 constexpr int longestFileNameBytes = 255;
-// Time for the sound to reach a new file; a stop waits for it.
-constexpr qint64 minimumMovieMsec = 1500;
+// How long a stop waits for a new file's first picture and sound.
+constexpr int maximumStopWaitMsec = 5000;
+constexpr int stopPollMsec = 100;
 // Headers alone; a single 1080p picture is several times this.
 constexpr qint64 emptyMovieBytes = 16 * 1024;
 
@@ -48,6 +50,7 @@ void MainWindow::setupRecordingGuard()
     recordingGuard = RecordingGuard(nominalBytesPerSecond);
     recordingClock.start();
     connect(&recordingGuardTimer, &QTimer::timeout, this, &MainWindow::checkRecording);
+    connect(&stopWaitTimer, &QTimer::timeout, this, &MainWindow::stopWhenWritten);
 }
 
 // A stop and a new start within one second would give the same name, and
@@ -143,23 +146,29 @@ QString MainWindow::movieFolderNote(const QString &path)
     return QString();
 }
 
-// A file stopped in its first moment can end before the sound has reached
-// it, and then no player opens it: the stop waits until it holds a moment.
+// A file stopped before both picture and sound have reached it ends with an
+// index that no player opens: the stop waits until the muxer has written
+// more than headers, for a few seconds at most.
 void MainWindow::stopRecordingOnceStarted()
 {
-    const qint64 wait = minimumMovieMsec - recorder->duration();
-    if (wait <= 0) {
-        stopRecording();
+    if (stopWaitTimer.isActive())
+        return;
+    stopWaitDeadline = QDeadlineTimer(maximumStopWaitMsec);
+    stopWhenWritten();
+    if (!recordingMoviePath.isEmpty())
+        stopWaitTimer.start(stopPollMsec);
+}
+
+void MainWindow::stopWhenWritten()
+{
+    if (!recorder || recordingMoviePath.isEmpty() || recorder->recorderState() == QMediaRecorder::StoppedState) {
+        stopWaitTimer.stop();
         return;
     }
-    if (stopWaiting)
-        return;
-    stopWaiting = true;
-    QTimer::singleShot(int(wait), this, [this] {
-        stopWaiting = false;
-        if (recorder && recorder->recorderState() != QMediaRecorder::StoppedState)
-            stopRecording();
-    });
+    if (QFileInfo(recordingMoviePath).size() > emptyMovieBytes || stopWaitDeadline.hasExpired()) {
+        stopWaitTimer.stop();
+        stopRecording();
+    }
 }
 
 void MainWindow::stopRecording()
@@ -186,6 +195,8 @@ void MainWindow::showFileNameHint()
 
 void MainWindow::beginMovieFile(const QString &path)
 {
+    // The last file's end may have stopped the microphone (see checkRecording).
+    RecordingElements::reviveStoppedSources();
     recorder->setOutputLocation(QUrl::fromLocalFile(path));
     liveRecordingInformation().write(StoragePaths::recordingInformationPath(path));
 }
@@ -407,7 +418,14 @@ void MainWindow::checkRecording()
     const QStorageInfo volume(file.absolutePath());
     const qint64 available = volume.isValid() ? volume.bytesAvailable() : -1;
     const bool exists = file.exists();
-    switch (recordingGuard.check(now, exists, file.size(), available)) {
+    const RecordingGuard::Finding finding = recordingGuard.check(now, exists, file.size(), available);
+    // A source that stopped is set going again at once, before the
+    // recording is given up for not growing.
+    if (RecordingElements::reviveStoppedSources() > 0) {
+        recordingGuard.resume(now);
+        return;
+    }
+    switch (finding) {
     case RecordingGuard::Finding::None:
         break;
     case RecordingGuard::Finding::NotCreated:

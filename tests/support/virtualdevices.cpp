@@ -10,6 +10,10 @@
 #include <QSaveFile>
 #include <QThread>
 
+#include <csignal>
+
+#include <sys/prctl.h>
+
 VirtualDevices::VirtualDevices()
 {
     QDir().mkpath(documents());
@@ -43,8 +47,11 @@ QProcessEnvironment VirtualDevices::environment() const
 bool VirtualDevices::startAudio(QString *error)
 {
     pulse.setProcessEnvironment(environment());
-    pulse.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    // Neither the test's output nor the server outlives a test that
+    // crashed: ctest would wait for the output to close.
     pulse.setStandardOutputFile(QProcess::nullDevice());
+    pulse.setStandardErrorFile(QProcess::nullDevice());
+    pulse.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGTERM); });
     pulse.start(QStringLiteral("pulseaudio"),
                 { QStringLiteral("-n"), QStringLiteral("--daemonize=no"), QStringLiteral("--exit-idle-time=-1"),
                   QStringLiteral("--disallow-exit"), QStringLiteral("--log-level=error"),
