@@ -273,11 +273,9 @@ void MainWindow::updateRecorderState(QMediaRecorder::RecorderState state)
         offsetHours += recordHours;
         offsetMinutes += recordMinutes;
         offsetSeconds += recordSeconds;
-    } else if (!recordingMoviePath.isEmpty()) {
-        // Neither the user nor a split stopped it.
-        recordingFailed(lastRecorderError.isEmpty() ? QStringLiteral("the recorder stopped by itself")
-                                                    : lastRecorderError);
     }
+    // A stop that neither the user nor a split asked for is the guard's to
+    // report (checkRecording).
 }
 
 // A file stopped before its first picture reached it holds only headers
@@ -336,10 +334,10 @@ void MainWindow::forgetSplitDelay()
 
 void MainWindow::noteRecorderError(QMediaRecorder::Error, const QString &errorString)
 {
+    // Qt stops the recorder with the error; the guard's next look reports
+    // it, with this text where nothing plainer is known.
     qCWarning(lcRecording) << "recorder error:" << errorString;
     lastRecorderError = errorString;
-    if (!recordingMoviePath.isEmpty())
-        recordingFailed(movieFileProblem(recordingMoviePath, QFileInfo::exists(recordingMoviePath)));
 }
 
 // Why the movie file is not being written, as far as can be seen from here.
@@ -351,8 +349,6 @@ QString MainWindow::movieFileProblem(const QString &path, bool exists) const
         return tr("its folder %1 does not exist").arg(QDir::toNativeSeparators(folder.absoluteFilePath()));
     if (!folder.isWritable())
         return tr("its folder %1 cannot be written to").arg(QDir::toNativeSeparators(folder.absoluteFilePath()));
-    if (file.fileName().toLocal8Bit().size() > longestFileNameBytes)
-        return tr("the file name is too long for the file system");
     const QStorageInfo volume(folder.absoluteFilePath());
     if (volume.isValid() && volume.bytesAvailable() < RecordingGuard::finishReserveBytes)
         return tr("the disk is full");
