@@ -21,6 +21,31 @@ GObjectClass *encoderParentClass = nullptr;
 // How long data may wait for a peer that is starting.
 constexpr gint64 peerStartWaitUsec = 2 * G_USEC_PER_SEC;
 
+// Whether data pushed from `pad` would be refused because a pad on its way
+// is not yet running. A bin's input is followed inside: Qt adds the
+// recorder's bin with its inputs already running while the parts behind
+// them are not.
+bool peerStarting(GstPad *pad)
+{
+    GstPad *peer = gst_pad_get_peer(pad);
+    bool starting = false;
+    while (peer && !starting) {
+        starting = GST_PAD_IS_FLUSHING(peer);
+        GstPad *next = nullptr;
+        if (!starting && GST_IS_GHOST_PAD(peer)) {
+            if (GstProxyPad *inside = gst_proxy_pad_get_internal(GST_PROXY_PAD(peer))) {
+                next = gst_pad_get_peer(GST_PAD(inside));
+                gst_object_unref(inside);
+            }
+        }
+        gst_object_unref(peer);
+        peer = next;
+    }
+    if (peer)
+        gst_object_unref(peer);
+    return starting;
+}
+
 // A live source whose data meets a peer that is not yet running takes the
 // refusal as the end of its stream and stops for good. Qt links the camera
 // and the microphone to parts of the capture session, and each recording's
@@ -29,17 +54,13 @@ constexpr gint64 peerStartWaitUsec = 2 * G_USEC_PER_SEC;
 // waits at such a link until the peer runs, or until its own side stops.
 GstPadProbeReturn waitForRunningPeer(GstPad *pad, GstPadProbeInfo *, gpointer)
 {
-    GstPad *peer = gst_pad_get_peer(pad);
-    if (!peer)
-        return GST_PAD_PROBE_OK;
     const gint64 deadline = g_get_monotonic_time() + peerStartWaitUsec;
-    while (GST_PAD_IS_FLUSHING(peer) && !GST_PAD_IS_FLUSHING(pad) && g_get_monotonic_time() < deadline)
+    while (!GST_PAD_IS_FLUSHING(pad) && peerStarting(pad) && g_get_monotonic_time() < deadline)
         g_usleep(1000);
-    gst_object_unref(peer);
     return GST_PAD_PROBE_OK;
 }
 
-// The live sources seen, to set going again one that stopped (see above).
+// The live sources seen, to set going again one that stopped all the same.
 std::mutex sourcesLock;
 std::vector<GWeakRef *> sources;
 int revivedTotal = 0;
@@ -79,10 +100,22 @@ void padLinked(GObject *, GstClockTime, GstPad *source, GstPad *, GstPadLinkRetu
         gst_object_unref(element);
 }
 
-// The links are made by Qt, out of reach; a tracer hears of every one.
+// The file writer keeps a few kilobytes in a buffer of its own, which a
+// killed program never writes: the last fragment on disk would end short.
+// Unbuffered, each finished fragment is in the system's hands at once.
+void elementMade(GObject *, GstClockTime, GstElement *element)
+{
+    GstElementFactory *factory = gst_element_get_factory(element);
+    if (factory && g_str_equal(gst_plugin_feature_get_name(GST_PLUGIN_FEATURE(factory)), "filesink"))
+        gst_util_set_object_arg(G_OBJECT(element), "buffer-mode", "unbuffered");
+}
+
+// The links and elements are made by Qt, out of reach; a tracer hears of
+// every one.
 void sourceWatcherInit(GTypeInstance *instance, gpointer)
 {
     gst_tracing_register_hook(GST_TRACER(instance), "pad-link-post", G_CALLBACK(padLinked));
+    gst_tracing_register_hook(GST_TRACER(instance), "element-new", G_CALLBACK(elementMade));
 }
 
 void watchLinks()
