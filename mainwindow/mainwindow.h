@@ -57,6 +57,9 @@ class AudioInfo;
 class OrvixDelayTask;
 class OrvixDeviceWatchDogTask;
 class OrvixFileSplitTask;
+class OrvixImageViewWidget;
+class OrvixMediaPlayerWidget;
+class OrvixStorageModel;
 class OrvixVideoWidget;
 class WaitingForCameraWidget;
 
@@ -255,6 +258,9 @@ private:
     void stopMediaPlayer();
     QString informationText(int field) const;
     void setInformationText(int field, const QString &text);
+    void stashLiveInformation();
+    void showBrowsedInformation();
+    void enableInformationFields(bool on);
 
     // mainwindow_storage.cpp
     void setStorageBrowserRoot(const QString &root);
@@ -340,8 +346,8 @@ private:
     WaitingForCameraWidget *waitingWidget = nullptr;
     OrvixVideoWidget *videoWidget = nullptr;
     std::unique_ptr<QFrame> viewfinderFrame; // left parentless on purpose
-    QWidget *imageViewWidget = nullptr;
-    QWidget *mediaPlayerWidget = nullptr;
+    OrvixImageViewWidget *imageViewWidget = nullptr;
+    OrvixMediaPlayerWidget *mediaPlayerWidget = nullptr;
     QPushButton *recordTimeBadge = nullptr;
     QFrame *controlPanelFrame = nullptr;
     QPushButton *resolutionButton = nullptr;
@@ -364,7 +370,7 @@ private:
     QLabel *storageFreeSpaceLabel = nullptr;
     QLineEdit *storageLocationEdit = nullptr;
     QListView *thumbnailView = nullptr;
-    QStandardItemModel *storageModel = nullptr;
+    OrvixStorageModel *storageModel = nullptr;
     QPushButton *movieFolderButton = nullptr;
     QPushButton *imageFolderButton = nullptr;
     QPushButton *removeFileButton = nullptr;

@@ -17,6 +17,9 @@
 
 #include "mainwindow/panelstyles.h"
 #include "widgets/animationlabel.h"
+#include "storage/orvixstoragemodel.h"
+#include "widgets/orviximageviewwidget.h"
+#include "widgets/orvixmediaplayerwidget.h"
 #include "widgets/orvixvideowidget.h"
 #include "widgets/waitingforcamerawidget.h"
 
@@ -123,9 +126,9 @@ void MainWindow::setupMainFrame()
     videoWidget->setObjectName(QStringLiteral("CameraViewfinder"));
     viewfinderLayout->addWidget(videoWidget);
 
-    imageViewWidget = new QWidget(stackedPlayers);
+    imageViewWidget = new OrvixImageViewWidget(stackedPlayers);
     imageViewWidget->setObjectName(QStringLiteral("ImageViewWidget"));
-    mediaPlayerWidget = new QWidget(stackedPlayers);
+    mediaPlayerWidget = new OrvixMediaPlayerWidget(stackedPlayers);
     mediaPlayerWidget->setObjectName(QStringLiteral("MediaPlayerWidget"));
 
     stackedPlayers->addWidget(waitingWidget);
@@ -419,13 +422,15 @@ void MainWindow::setupFilePreviewPanel()
 
     thumbnailView = new QListView(body);
     thumbnailView->setObjectName(QStringLiteral("ThumbnailView"));
-    storageModel = new QStandardItemModel(this);
+    storageModel = new OrvixStorageModel(this);
     thumbnailView->setModel(storageModel);
     thumbnailView->setViewMode(QListView::IconMode);
     thumbnailView->setIconSize(QSize(96, 54));
     thumbnailView->setSelectionMode(QAbstractItemView::SingleSelection);
     thumbnailView->setSelectionBehavior(QAbstractItemView::SelectRows);
     thumbnailView->setTextElideMode(Qt::ElideMiddle);
+    // Thousands of items are laid out a batch at a time, not in one go.
+    thumbnailView->setLayoutMode(QListView::Batched);
     thumbnailView->setAttribute(Qt::WA_MacShowFocusRect, false);
     thumbnailView->setStyleSheet(QStringLiteral(
             "QListView#ThumbnailView {border: none; border-width: 0; color: rgb(192, 192, 192);"

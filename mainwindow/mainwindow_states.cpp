@@ -151,5 +151,7 @@ void MainWindow::liveSetup()
 {
     stopMediaPlayer();
     stackedPlayers->setCurrentIndex(cameraLive ? 1 : 0);
+    // The texts typed for the next recording come back with the live view.
+    refillLiveInformation();
     setupIdleUIState();
 }

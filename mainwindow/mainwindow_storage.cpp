@@ -1,33 +1,96 @@
 // MainWindow: the storage root, its folders and the removal of files.
 #include "mainwindow.h"
 
+#include <QDesktopServices>
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QListView>
+#include <QMessageBox>
+#include <QSettings>
 #include <QStackedWidget>
+#include <QStandardPaths>
+#include <QUrl>
 
 #include "app/orvixlogging.h"
+#include "app/settingskeys.h"
+#include "storage/orvixstoragemodel.h"
+#include "storage/storagepaths.h"
+
+namespace {
+void openFolder(const char *caller, const QString &name)
+{
+    const QString folder = QSettings().value(SettingsKeys::storageLocation, QString()).toString()
+            + QLatin1Char('/') + name;
+    const QStringList arguments { QStringLiteral("/e,"), QDir::toNativeSeparators(folder) };
+    qDebug() << caller << arguments;
+    QDesktopServices::openUrl(QUrl::fromLocalFile(folder));
+}
+
+void tell(const QString &text)
+{
+    QMessageBox box(QMessageBox::NoIcon, QString(), text, QMessageBox::Ok);
+    box.setDefaultButton(QMessageBox::Ok);
+    box.exec();
+}
+}
 
 void MainWindow::setStorageBrowserRoot(const QString &root)
 {
-    // The thumbnail browser of the storage root arrives with the storage work.
-    qCDebug(lcStorage) << "storage root" << root;
+    storageModel->setRootPath(root);
 }
 
 void MainWindow::removeSelectedFile()
 {
     stackedPlayers->setCurrentIndex(1);
-    qCWarning(lcStorage) << "removeSelectedFile: not available in this build yet";
+    const QModelIndex index = thumbnailView->currentIndex();
+    if (!index.isValid())
+        return;
+    QStandardItem *item = storageModel->itemFromIndex(index);
+    const QString path = item->data(OrvixStorageModel::informationRole).value<OrvixMediaInformation>().fileInfo.absoluteFilePath();
+
+    QMessageBox question(QMessageBox::NoIcon, QString(), tr("Do you want to delete\n") + path,
+                         QMessageBox::Yes | QMessageBox::No);
+    question.setDefaultButton(QMessageBox::Yes);
+    if (question.exec() == QMessageBox::No)
+        return;
+
+    // A movie playing or shown holds its file open.
+    stopMediaPlayer();
+    QFile::remove(StoragePaths::recordingInformationPath(path));
+    QFile::remove(path);
+    storageModel->removeRow(item->row());
 }
 
 void MainWindow::updateStorageRoot()
 {
-    qCWarning(lcStorage) << "updateStorageRoot: not available in this build yet";
+    const QString chosen = QFileDialog::getExistingDirectory(
+            this, QStringLiteral("Select Directory"), QStandardPaths::writableLocation(QStandardPaths::HomeLocation),
+            QFileDialog::ShowDirsOnly | QFileDialog::DontResolveSymlinks);
+    if (chosen.isEmpty())
+        return;
+    if (!QDir().mkpath(StoragePaths::join(chosen, QStringLiteral("Movie")))) {
+        tell(QStringLiteral("Could not create default movie folder."));
+        return;
+    }
+    if (!QDir().mkpath(StoragePaths::join(chosen, QStringLiteral("Image")))) {
+        tell(QStringLiteral("Could not create default image folder."));
+        return;
+    }
+    QString root = chosen + QLatin1Char('/');
+    root.replace(QStringLiteral("//"), QStringLiteral("/"));
+    QSettings().setValue(SettingsKeys::storageLocation, root);
+    storageLocationEdit->setText(root);
+    storageModel->setRootPath(root);
 }
 
 void MainWindow::openMoviesFolder()
 {
-    qCWarning(lcStorage) << "openMoviesFolder: not available in this build yet";
+    openFolder("MainWindow::openMoviesFolder", QStringLiteral("Movie"));
 }
 
 void MainWindow::openImagesFolder()
 {
-    qCWarning(lcStorage) << "openImagesFolder: not available in this build yet";
+    openFolder("MainWindow::openImagesFolder", QStringLiteral("Image"));
 }

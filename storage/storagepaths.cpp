@@ -35,4 +35,9 @@ QString recordingInformationPath(const QString &moviePath)
     return moviePath.left(moviePath.lastIndexOf(QStringLiteral(".mp4"))) + QStringLiteral(".ini");
 }
 
+QString browserInformationPath(const QString &moviePath)
+{
+    return moviePath.left(moviePath.lastIndexOf(QStringLiteral(".mov"))) + QStringLiteral(".ini");
+}
+
 } // namespace StoragePaths

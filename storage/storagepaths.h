@@ -24,4 +24,10 @@ QString imagePath(const QString &root, const QDateTime &time);
 // with its last ".mp4" cut off, plus ".ini".
 QString recordingInformationPath(const QString &moviePath);
 
+// The information file the storage browser reads and edits: the path with
+// its last ".mov" cut off, plus ".ini". For the ".mp4" files recorded here
+// that is the movie's name plus ".ini", not the file written while recording;
+// the two rules differ on purpose.
+QString browserInformationPath(const QString &moviePath);
+
 } // namespace StoragePaths

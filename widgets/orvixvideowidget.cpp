@@ -3,6 +3,7 @@
 
 #include <QPainter>
 
+#include "fullscreen.h"
 #include "orvixframerenderer.h"
 
 OrvixVideoWidget::OrvixVideoWidget(OrvixFrameRenderer *owner, QWidget *parent)
@@ -30,15 +31,7 @@ void OrvixVideoWidget::roteatedWithMirroredInputCoords() { }
 
 void OrvixVideoWidget::setFullScreen(bool fullScreen)
 {
-    const quint32 flags = quint32(windowFlags());
-    if (fullScreen) {
-        savedWindowType = flags & 0x13;
-        setWindowFlags(Qt::WindowFlags((flags & ~quint32(0x12)) | quint32(Qt::Window)));
-        showFullScreen();
-    } else {
-        setWindowFlags(Qt::WindowFlags((flags & ~quint32(0x13)) | savedWindowType));
-        showNormal();
-    }
+    switchFullScreen(this, fullScreen, savedWindowType);
 }
 
 void OrvixVideoWidget::snapShot()

@@ -1,10 +1,11 @@
 // The waiting screen's pulse, the animation label's frame arithmetic and
-// the live view's 16:9 rectangle.
+// the live view's 16:9 rectangle and the image view's placement.
 #include <QLabel>
 
 #include "orvixtest.h"
 #include "widgets/animationlabel.h"
 #include "widgets/framefilters.h"
+#include "widgets/orviximageviewwidget.h"
 #include "widgets/waitingforcamerawidget.h"
 
 class tst_Widgets : public QObject
@@ -175,6 +176,48 @@ private slots:
         QFETCH(QSize, widget);
         QFETCH(QRect, target);
         QCOMPARE(FrameFilters::targetRect(widget), target);
+    }
+
+    void imagePlacement_data()
+    {
+        QTest::addColumn<QSize>("widget");
+        QTest::addColumn<QSize>("picture");
+        QTest::addColumn<QRect>("drawn");
+        QTest::addRow("small picture enlarged") << QSize(800, 600) << QSize(640, 480) << QRect(0, 0, 800, 600);
+        QTest::addRow("large picture fitted") << QSize(800, 600) << QSize(1920, 1080) << QRect(0, 75, 800, 450);
+        QTest::addRow("tall picture overflows") << QSize(800, 600) << QSize(400, 1000) << QRect(200, -200, 400, 1000);
+        QTest::addRow("odd sizes centre like moveCenter") << QSize(801, 601) << QSize(1920, 1080) << QRect(0, 76, 801, 450);
+    }
+
+    void imagePlacement()
+    {
+        QFETCH(QSize, widget);
+        QFETCH(QSize, picture);
+        QFETCH(QRect, drawn);
+        QCOMPARE(OrvixImageViewWidget::placement(widget, picture), drawn);
+    }
+
+    void imageViewKeepsItsRectangleUntilResized()
+    {
+        QTemporaryDir dir;
+        const QString wide = dir.filePath(QStringLiteral("wide.png"));
+        const QString small = dir.filePath(QStringLiteral("small.png"));
+        QImage(1920, 1080, QImage::Format_RGB32).save(wide);
+        QImage(64, 64, QImage::Format_RGB32).save(small);
+
+        OrvixImageViewWidget view;
+        view.setImage(wide);
+        QVERIFY(view.drawRectangle().isNull());
+        view.resize(800, 600);
+        view.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&view));
+        QCOMPARE(view.drawRectangle(), QRect(0, 75, 800, 450));
+        view.setImage(small);
+        QCOMPARE(view.drawRectangle(), QRect(0, 75, 800, 450));
+        view.resize(600, 600);
+        QCOMPARE(view.drawRectangle(), QRect(0, 0, 600, 600));
+        view.setImage();
+        QVERIFY(view.image().isNull());
     }
 };
 

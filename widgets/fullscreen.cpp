@@ -1,0 +1,17 @@
+// The full-screen switch the live view and the image view share.
+#include "fullscreen.h"
+
+#include <QWidget>
+
+void switchFullScreen(QWidget *widget, bool fullScreen, quint32 &savedWindowType)
+{
+    const quint32 flags = quint32(widget->windowFlags());
+    if (fullScreen) {
+        savedWindowType = flags & 0x13;
+        widget->setWindowFlags(Qt::WindowFlags((flags & ~quint32(0x12)) | quint32(Qt::Window)));
+        widget->showFullScreen();
+    } else {
+        widget->setWindowFlags(Qt::WindowFlags((flags & ~quint32(0x13)) | savedWindowType));
+        widget->showNormal();
+    }
+}
