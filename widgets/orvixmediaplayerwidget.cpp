@@ -81,6 +81,7 @@ void OrvixMediaPlayerWidget::setUrl(const QUrl &url)
     playBtn->show();
     slider->show();
     setWindowFilePath(url.isLocalFile() ? url.toLocalFile() : QString());
+    errorTold = false;
     mediaPlayer.setSource(url);
     const QList<QAudioDevice> outputs = QMediaDevices::audioOutputs();
     if (!outputs.isEmpty()) {
@@ -144,6 +145,10 @@ void OrvixMediaPlayerWidget::setPosition(int position)
 void OrvixMediaPlayerWidget::handleError()
 {
     playBtn->setEnabled(false);
+    // A broken file often fails twice in a row; one message is enough.
+    if (errorTold)
+        return;
+    errorTold = true;
     const QString errorString = mediaPlayer.errorString();
     QString message = QStringLiteral("Error: ");
     if (errorString.isEmpty())

@@ -47,4 +47,5 @@ private:
     QPushButton *playBtn = nullptr;
     QSlider *slider = nullptr;
     QVideoWidget *surface = nullptr;
+    bool errorTold = false;
 };

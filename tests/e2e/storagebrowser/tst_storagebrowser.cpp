@@ -1,0 +1,319 @@
+// The storage browser through the real window on an X server: what is
+// recorded and snapped shows up by itself, plays with its sound, shows,
+// has its information edited, and is deleted; bad files and a changed root.
+#include <QDir>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QListView>
+#include <QMediaDevices>
+#include <QProcess>
+#include <QScreen>
+#include <QVideoSink>
+#include <QVideoWidget>
+#include <QPushButton>
+#include <QSettings>
+#include <QSlider>
+#include <QStackedWidget>
+#include <QTextEdit>
+#include <QTimer>
+
+#include "app/settingskeys.h"
+#include "mainwindow/mainwindow.h"
+#include "messageboxwatcher.h"
+#include "orvixtest.h"
+#include "storage/orvixstoragemodel.h"
+#include "storage/recordinginformation.h"
+#include "storage/storagepaths.h"
+#include "widgets/orviximageviewwidget.h"
+#include "widgets/orvixmediaplayerwidget.h"
+
+namespace {
+const QStringList fieldNames { "InformationFileNameEdit", "InformationDoctorNameEdit", "InformationPatientNameEdit",
+                               "InformationHospitalNameEdit", "InformationCommentEdit" };
+
+QString field(MainWindow &window, int i)
+{
+    if (auto *line = window.findChild<QLineEdit *>(fieldNames[i]))
+        return line->text();
+    return window.findChild<QTextEdit *>(fieldNames[i])->toPlainText();
+}
+
+void setField(MainWindow &window, int i, const QString &text)
+{
+    if (auto *line = window.findChild<QLineEdit *>(fieldNames[i]))
+        line->setText(text);
+    else
+        window.findChild<QTextEdit *>(fieldNames[i])->setPlainText(text);
+}
+
+QStringList fields(MainWindow &window)
+{
+    QStringList texts;
+    for (int i = 0; i < 5; ++i)
+        texts.append(field(window, i));
+    return texts;
+}
+
+// A double click on the file's thumbnail, as the user opens it.
+void open(QListView *view, OrvixStorageModel *model, const QString &name)
+{
+    QStandardItem *item = model->itemForName(name);
+    QVERIFY2(item, qPrintable(name));
+    const QModelIndex index = item->index();
+    view->scrollTo(index);
+    const QPoint centre = view->visualRect(index).center();
+    QVERIFY2(view->viewport()->rect().contains(centre), qPrintable(name));
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, centre);
+    QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, centre);
+}
+
+int playbackStreams()
+{
+    QProcess pactl;
+    pactl.start(QStringLiteral("pactl"), { QStringLiteral("list"), QStringLiteral("short"), QStringLiteral("sink-inputs") });
+    pactl.waitForFinished(5000);
+    return pactl.readAllStandardOutput().count('\n');
+}
+
+// From the screen: the player's picture is a native window of its own that
+// a widget grab would leave black.
+void saveScreenshot(QWidget &window, const QString &name)
+{
+    QDir().mkpath(QStringLiteral("screenshots"));
+    // Let the X server show what the window painted.
+    QTest::qWait(500);
+    const QPixmap shot = window.screen()->grabWindow(0, window.geometry().x(), window.geometry().y(),
+                                                     window.width(), window.height());
+    QVERIFY(shot.save(QStringLiteral("screenshots/") + name + QStringLiteral(".png")));
+}
+}
+
+class tst_StorageBrowser : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit tst_StorageBrowser(VirtualDevices &devices) : devices(devices) { }
+
+private slots:
+    void initTestCase()
+    {
+        QString error;
+        QVERIFY2(devices.startAudio(&error), qPrintable(error));
+        QVERIFY2(devices.addMicrophone(QStringLiteral("Orvix High Definition Mic II"), 440, &error), qPrintable(error));
+        devices.setCameras({ VirtualDevices::cameraLine(QStringLiteral("Orvix Full HD Camera"),
+                                                        QStringLiteral("video/x-raw,format=YUY2,width=1920,height=1080,framerate=30/1")) });
+        QTRY_COMPARE_WITH_TIMEOUT(QMediaDevices::videoInputs().size(), 1, 5000);
+        root = devices.home() + QStringLiteral("/cases/");
+        QVERIFY(QDir().mkpath(root + QStringLiteral("Movie")) && QDir().mkpath(root + QStringLiteral("Image")));
+        QSettings().setValue(SettingsKeys::storageLocation, root);
+        QSettings().setValue(SettingsKeys::sizeLimit, 0);
+    }
+
+    void recordBrowsePlayEditDelete()
+    {
+        // Left from an earlier day: a movie that never got a byte, with a
+        // damaged information file.
+        const QString broken = root + QStringLiteral("Movie/empty_230101_000000.mp4");
+        QFile(broken).open(QIODevice::WriteOnly);
+        {
+            QFile ini(broken + QStringLiteral(".ini"));
+            QVERIFY(ini.open(QIODevice::WriteOnly));
+            ini.write("[Orvix\nDoctor\n=x\n\xff\xfe");
+        }
+
+        MainWindow window;
+        window.resize(1280, 720);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QVERIFY(window.isCameraLive());
+        auto *view = window.findChild<QListView *>(QStringLiteral("ThumbnailView"));
+        auto *model = qobject_cast<OrvixStorageModel *>(view->model());
+        auto *stacked = window.findChild<QStackedWidget *>(QStringLiteral("StackedPlayersWidget"));
+        auto *player = window.findChild<OrvixMediaPlayerWidget *>();
+        auto *imageView = window.findChild<OrvixImageViewWidget *>();
+        auto *editButton = window.findChild<QPushButton *>(QStringLiteral("InformationEditButton"));
+        auto *refreshButton = window.findChild<QPushButton *>(QStringLiteral("InformationRefreshButton"));
+        QTRY_COMPARE(model->rowCount(), 1);
+        QTest::qWait(2000);
+
+        // A recording and a snapshot appear by themselves, within 2 s of
+        // their files.
+        setField(window, 0, QStringLiteral("browse"));
+        window.captureVideo();
+        QVERIFY(window.currentRecorder()->recorderState() == QMediaRecorder::RecordingState);
+        QString movieName;
+        QElapsedTimer sinceFile;
+        QTRY_VERIFY_WITH_TIMEOUT(!(movieName = QDir(root + QStringLiteral("Movie")).entryList({ "browse_*.mp4" }).value(0)).isEmpty(), 5000);
+        sinceFile.start();
+        QTRY_VERIFY_WITH_TIMEOUT(model->itemForName(movieName), 2000);
+        qInfo("the new movie was listed %lld ms after its file appeared", sinceFile.elapsed());
+        QTest::qWait(4000);
+        window.captureVideo();
+        QTRY_COMPARE_WITH_TIMEOUT(window.currentRecorder()->recorderState(), QMediaRecorder::StoppedState, 10000);
+
+        window.captureStillImage();
+        QString imageName;
+        QTRY_VERIFY_WITH_TIMEOUT(!(imageName = QDir(root + QStringLiteral("Image")).entryList({ "*.jpg" }).value(0)).isEmpty(), 5000);
+        sinceFile.start();
+        QTRY_VERIFY_WITH_TIMEOUT(model->itemForName(imageName), 2000);
+        QTRY_VERIFY_WITH_TIMEOUT(!model->itemForName(imageName)->icon().isNull(), 5000);
+
+        // Information typed for the next recording is put aside while browsing.
+        const QStringList next { "next case", "Dr. Live", "Pat", "Hosp", "two\nlines" };
+        for (int i = 0; i < 5; ++i)
+            setField(window, i, next[i]);
+
+        open(view, model, imageName);
+        QCOMPARE(stacked->currentIndex(), 2);
+        QCOMPARE(imageView->image().size(), QSize(1920, 1080));
+        QCOMPARE(fields(window), QStringList(5, QString()));
+        QVERIFY(editButton->isHidden());
+        QTRY_VERIFY(!imageView->drawRectangle().isEmpty());
+        saveScreenshot(window, QStringLiteral("storage-image"));
+
+        // The movie: its first picture, paused, then played with its sound
+        // to the end.
+        open(view, model, movieName);
+        QCOMPARE(stacked->currentIndex(), 3);
+        QVERIFY(player->playButton()->isEnabled());
+        QVERIFY(!editButton->isHidden() && !editButton->isChecked() && refreshButton->isHidden());
+        QCOMPARE(fields(window), QStringList(5, QString()));
+        QTRY_VERIFY_WITH_TIMEOUT(player->positionSlider()->maximum() > 3500, 5000);
+        QCOMPARE(player->player()->playbackState(), QMediaPlayer::PausedState);
+        QTRY_VERIFY_WITH_TIMEOUT(player->videoSurface()->videoSink()->videoFrame().isValid(), 5000);
+        QCOMPARE(player->videoSurface()->videoSink()->videoFrame().size(), QSize(1920, 1080));
+        QTest::qWait(500);
+        saveScreenshot(window, QStringLiteral("storage-movie"));
+        QTest::mouseClick(player->playButton(), Qt::LeftButton);
+        QTRY_COMPARE(player->player()->playbackState(), QMediaPlayer::PlayingState);
+        QCOMPARE(player->playButton()->styleSheet(), OrvixMediaPlayerWidget::pauseStyleSheet());
+        QTRY_VERIFY_WITH_TIMEOUT(player->positionSlider()->value() > 1000, 5000);
+        QVERIFY2(playbackStreams() >= 1, "no sound stream while playing");
+        QTRY_COMPARE_WITH_TIMEOUT(player->player()->mediaStatus(), QMediaPlayer::EndOfMedia, 10000);
+        QCOMPARE(player->playButton()->styleSheet(), OrvixMediaPlayerWidget::playStyleSheet());
+
+        // Seeking by dragging the slider.
+        QSlider *slider = player->positionSlider();
+        slider->setSliderDown(true);
+        slider->setSliderPosition(1500);
+        slider->setSliderDown(false);
+        QTRY_VERIFY_WITH_TIMEOUT(qAbs(player->player()->position() - 1500) < 300, 5000);
+
+        // Edit, save, come back: the texts are there; a rolled-back edit is not.
+        QTest::mouseClick(editButton, Qt::LeftButton);
+        QVERIFY(editButton->isChecked() && !refreshButton->isHidden());
+        QVERIFY(window.findChild<QLineEdit *>(fieldNames[2])->isEnabled());
+        const QStringList saved { "browse", "Dr. Ørsted", "Müller, 胃", "General", "first\nsecond" };
+        for (int i = 0; i < 5; ++i)
+            setField(window, i, saved[i]);
+        QTest::mouseClick(editButton, Qt::LeftButton);
+        QVERIFY(!window.findChild<QLineEdit *>(fieldNames[2])->isEnabled());
+        const QString movie = root + QStringLiteral("Movie/") + movieName;
+        QCOMPARE(RecordingInformation::read(movie + QStringLiteral(".ini")).patient, saved[2]);
+        open(view, model, imageName);
+        open(view, model, movieName);
+        QCOMPARE(fields(window), saved);
+        QTest::mouseClick(editButton, Qt::LeftButton);
+        setField(window, 2, QStringLiteral("typo"));
+        QTest::mouseClick(refreshButton, Qt::LeftButton);
+        QCOMPARE(fields(window), saved);
+        QVERIFY(!editButton->isChecked() && refreshButton->isHidden());
+
+        // Live again: the typed information is back.
+        QTest::mouseClick(window.findChild<QPushButton *>(QStringLiteral("LiveSetupButton")), Qt::LeftButton);
+        QCOMPARE(stacked->currentIndex(), 1);
+        QCOMPARE(fields(window), next);
+
+        // A movie without a byte: the player's message, its button off,
+        // the damaged information file read as empty fields.
+        {
+            MessageBoxWatcher watcher;
+            open(view, model, QStringLiteral("empty_230101_000000.mp4"));
+            QTRY_VERIFY_WITH_TIMEOUT(!watcher.texts.isEmpty(), 5000);
+            QTest::qWait(1000);
+            QVERIFY2(watcher.texts.size() == 1, qPrintable(watcher.texts.join(" / ")));
+            QVERIFY2(watcher.texts.first().startsWith(QStringLiteral("Error: ")), qPrintable(watcher.texts.join(" / ")));
+        }
+        QVERIFY(!player->playButton()->isEnabled());
+        QCOMPARE(fields(window), QStringList(5, QString()));
+        QVERIFY(QFileInfo(broken).exists());
+
+        // Deleting the movie takes its recording-time information with it;
+        // the browser's information file stays.
+        view->setCurrentIndex(model->itemForName(movieName)->index());
+        {
+            MessageBoxWatcher watcher(QMessageBox::Yes);
+            window.removeSelectedFile();
+            QCOMPARE(watcher.texts, QStringList(QStringLiteral("Do you want to delete\n") + movie));
+        }
+        QVERIFY(!QFileInfo::exists(movie));
+        QVERIFY(!QFileInfo::exists(StoragePaths::recordingInformationPath(movie)));
+        QVERIFY(QFileInfo::exists(movie + QStringLiteral(".ini")));
+        QVERIFY(!model->itemForName(movieName));
+        QCOMPARE(stacked->currentIndex(), 1);
+        QTest::qWait(1500);
+        QVERIFY(!model->itemForName(movieName));
+        QVERIFY(model->itemForName(imageName));
+    }
+
+    void changeTheRoot()
+    {
+        MainWindow window;
+        window.show();
+        auto *view = window.findChild<QListView *>(QStringLiteral("ThumbnailView"));
+        auto *model = qobject_cast<OrvixStorageModel *>(view->model());
+
+        // Answers the folder dialog with `folder` once it is open.
+        const auto choose = [](const QString &folder) {
+            auto *poll = new QTimer;
+            QObject::connect(poll, &QTimer::timeout, [poll, folder] {
+                for (QWidget *widget : QApplication::topLevelWidgets()) {
+                    auto *dialog = qobject_cast<QFileDialog *>(widget);
+                    if (dialog && dialog->isVisible()) {
+                        poll->deleteLater();
+                        poll->stop();
+                        dialog->setDirectory(folder);
+                        static_cast<QDialog *>(dialog)->accept();
+                        return;
+                    }
+                }
+            });
+            poll->start(100);
+        };
+        // A folder where "Movie" or "Image" is taken by a file: the
+        // message, and the root stays.
+        for (const QString &taken : { QStringLiteral("Movie"), QStringLiteral("Image") }) {
+            const QString blocked = devices.home() + QStringLiteral("/blocked-") + taken;
+            QVERIFY(QDir().mkpath(blocked));
+            QFile(blocked + QLatin1Char('/') + taken).open(QIODevice::WriteOnly);
+            MessageBoxWatcher watcher;
+            choose(blocked);
+            window.updateStorageRoot();
+            QCOMPARE(watcher.texts, QStringList(QStringLiteral("Could not create default %1 folder.").arg(taken.toLower())));
+            QCOMPARE(QSettings().value(SettingsKeys::storageLocation).toString(), root);
+        }
+
+        const QString other = devices.home() + QStringLiteral("/other");
+        QVERIFY(QDir().mkpath(other + QStringLiteral("/Image")));
+        QVERIFY(QImage(64, 48, QImage::Format_RGB32).save(other + QStringLiteral("/Image/a.jpg")));
+        choose(other);
+        window.updateStorageRoot();
+        QCOMPARE(QSettings().value(SettingsKeys::storageLocation).toString(), other + QStringLiteral("/"));
+        QCOMPARE(window.findChild<QLineEdit *>(QStringLiteral("StorageLocationEdit"))->text(), other + QStringLiteral("/"));
+        QVERIFY(QFileInfo(other + QStringLiteral("/Movie")).isDir());
+        QTRY_COMPARE(model->rowCount(), 1);
+        QVERIFY(model->itemForName(QStringLiteral("a.jpg")));
+
+        // The shown root's folder deleted: its files leave the list, nothing hangs.
+        QVERIFY(QDir(other).removeRecursively());
+        QTRY_COMPARE_WITH_TIMEOUT(model->rowCount(), 0, 5000);
+    }
+
+private:
+    VirtualDevices &devices;
+    QString root;
+};
+
+ORVIX_TEST_MAIN(tst_StorageBrowser)
+#include "tst_storagebrowser.moc"
