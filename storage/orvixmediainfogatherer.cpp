@@ -9,6 +9,7 @@
 #include <QMutexLocker>
 
 #include "storage/storagepaths.h"
+#include "storage/threadpriority.h"
 
 namespace {
 // The first batch goes out early so that the first screenful shows at once;
@@ -144,6 +145,7 @@ QStringList OrvixMediaInfoGatherer::watchedDirectories() const
 
 void OrvixMediaInfoGatherer::run()
 {
+    lowerCurrentThread();
     forever {
         QMutexLocker locker(&mutex);
         while (!abort && path.isEmpty())

@@ -13,7 +13,7 @@
 namespace {
 const QSize thumbnailBox(128, 128);
 // How long one slice of new items may hold the window.
-constexpr qint64 sliceMsec = 10;
+constexpr qint64 sliceMsec = 8;
 
 bool isPicture(const QString &suffix)
 {
@@ -137,8 +137,11 @@ QStandardItem *OrvixStorageModel::itemForName(const QString &name) const
 
 void OrvixStorageModel::fileSystemChanged(const QString &, const OrvixUpdateFiles &updates)
 {
+    // Several batches often arrive together: each slice is an event of its
+    // own, so the window comes round between them.
     pendingFiles.append(updates);
-    addPendingFiles();
+    if (!pendingTimer.isActive())
+        pendingTimer.start(0);
 }
 
 void OrvixStorageModel::addPendingFiles()
@@ -194,6 +197,7 @@ void OrvixStorageModel::addFile(const QString &name, const QFileInfo &fileInfo)
 
 void OrvixStorageModel::thumbnailLoaded(const QString &name, const QString &path, const QImage &image)
 {
+    thumbnails.taken();
     QStandardItem *item = nameTable.value(name);
     if (!item || fileInfoOf(item).absoluteFilePath() != path)
         return;
@@ -218,28 +222,22 @@ void OrvixStorageModel::folderLoaded(const QString &directory)
 
 void OrvixStorageModel::directoryChanged(const QString &directory, const QStringList &files)
 {
-    // Only the items of this folder are compared: the other folder's files
-    // are of course missing from its list.
+    // Only the items of this folder can have vanished from it: the other
+    // folder's files are of course missing from its list. Names are looked
+    // up first; a root of months is listed again at every new file.
     const QString folder = QDir::cleanPath(directory);
-    QStringList held;
+    const QSet<QString> present(files.cbegin(), files.cend());
+    QList<QStandardItem *> vanished;
     for (auto it = nameTable.cbegin(); it != nameTable.cend(); ++it) {
-        if (fileInfoOf(it.value()).absolutePath() == folder)
-            held.append(it.value()->data(Qt::DisplayRole).toString());
+        if (!present.contains(it.key()) && fileInfoOf(it.value()).absolutePath() == folder)
+            vanished.append(it.value());
     }
-    QStringList present = files;
-    std::sort(held.begin(), held.end());
-    std::sort(present.begin(), present.end());
-    QStringList vanished;
-    std::set_difference(held.cbegin(), held.cend(), present.cbegin(), present.cend(), std::back_inserter(vanished));
-    for (const QString &name : std::as_const(vanished)) {
-        QStandardItem *item = nameTable.take(name);
+    for (QStandardItem *item : std::as_const(vanished))
         removeRow(item->row());
-    }
 
     // Files reported earlier but not yet made into items may be gone too.
-    const QSet<QString> presentNames(files.cbegin(), files.cend());
     pendingFiles.removeIf([&](const std::pair<QString, QFileInfo> &file) {
-        return file.second.absolutePath() == folder && !presentNames.contains(file.first);
+        return !present.contains(file.first) && file.second.absolutePath() == folder;
     });
 }
 

@@ -5,23 +5,12 @@
 #include <QMutexLocker>
 #include <QThread>
 
-#ifdef Q_OS_LINUX
-#include <sys/resource.h>
-#include <sys/syscall.h>
-#include <unistd.h>
-#endif
+#include "storage/threadpriority.h"
 
 namespace {
-// Below the live view and the recorder: a browser filling up its icons
-// must not cost a recorded frame.
-void lowerThisThread()
-{
-#ifdef Q_OS_LINUX
-    setpriority(PRIO_PROCESS, id_t(syscall(SYS_gettid)), 10);
-#else
-    QThread::currentThread()->setPriority(QThread::LowestPriority);
-#endif
-}
+// Results waiting for the window are delivered in one go when it comes
+// round: a long queue of them would be a stall of its own.
+constexpr int maxUndelivered = 8;
 
 int ceilDiv(int value, int divisor)
 {
@@ -33,7 +22,8 @@ OrvixThumbnailLoader::OrvixThumbnailLoader(QSize box, QObject *parent)
     : QObject(parent)
     , box(box)
 {
-    const int count = qBound(1, QThread::idealThreadCount(), 4);
+    // One core stays with the live view and the recorder.
+    const int count = qBound(1, QThread::idealThreadCount() - 1, 4);
     for (int i = 0; i < count; ++i) {
         workers.emplace_back(QThread::create([this] { work(); }));
         workers.back()->setObjectName(QStringLiteral("thumbnails"));
@@ -58,6 +48,13 @@ void OrvixThumbnailLoader::request(const QString &name, const QString &path)
     QMutexLocker locker(&mutex);
     queue.enqueue({ name, path });
     wake.wakeOne();
+}
+
+void OrvixThumbnailLoader::taken()
+{
+    QMutexLocker locker(&mutex);
+    --undelivered;
+    wake.wakeAll();
 }
 
 void OrvixThumbnailLoader::cancelAll()
@@ -92,16 +89,18 @@ QImage OrvixThumbnailLoader::thumbnail(const QString &path, QSize box)
 
 void OrvixThumbnailLoader::work()
 {
-    lowerThisThread();
+    // A browser filling up its icons must not cost a recorded frame.
+    lowerCurrentThread();
     forever {
         std::pair<QString, QString> job;
         {
             QMutexLocker locker(&mutex);
-            while (!stopping && queue.isEmpty())
+            while (!stopping && (queue.isEmpty() || undelivered >= maxUndelivered))
                 wake.wait(&mutex);
             if (stopping)
                 return;
             job = queue.dequeue();
+            ++undelivered;
         }
         emit loaded(job.first, job.second, thumbnail(job.second, box));
     }

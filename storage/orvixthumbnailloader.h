@@ -27,6 +27,9 @@ public:
 
     // Pictures are decoded in the order they were asked for.
     void request(const QString &name, const QString &path);
+    // The receiver of `loaded` calls this for each result it took: workers
+    // stay at most a few results ahead of the window.
+    void taken();
     // Forgets every request not yet started; results of started ones still
     // arrive and are the caller's to recognise.
     void cancelAll();
@@ -47,5 +50,6 @@ private:
     QWaitCondition wake;
     QQueue<std::pair<QString, QString>> queue;
     bool stopping = false;
+    int undelivered = 0;
     std::vector<std::unique_ptr<QThread>> workers;
 };
