@@ -242,6 +242,7 @@ private:
     void continueCaptureVideo();
     static QString storageRoot();
     QString newMoviePath() const;
+    RecordingInformation panelInformation() const;
     RecordingInformation liveRecordingInformation() const;
     void noteRecorderError(QMediaRecorder::Error error, const QString &errorString);
     QString movieFileProblem(const QString &path, bool exists) const;

@@ -106,7 +106,7 @@ void MainWindow::toggleInformationEdit()
         enableInformationFields(true);
         informationRefreshButton->show();
     } else {
-        liveRecordingInformation().write(StoragePaths::browserInformationPath(currentMoviePath));
+        panelInformation().write(StoragePaths::browserInformationPath(currentMoviePath));
         enableInformationFields(false);
         informationRefreshButton->hide();
     }

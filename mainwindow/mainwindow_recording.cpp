@@ -59,9 +59,10 @@ QString MainWindow::newMoviePath() const
 {
     const QString root = storageRoot();
     const QDateTime now = QDateTime::currentDateTime();
-    QString path = StoragePaths::moviePath(root, informationText(1), now);
+    const QString name = liveRecordingInformation().fileName;
+    QString path = StoragePaths::moviePath(root, name, now);
     for (int later = 1; QFileInfo::exists(path) && later < 3600; ++later)
-        path = StoragePaths::moviePath(root, informationText(1), now.addSecs(later));
+        path = StoragePaths::moviePath(root, name, now.addSecs(later));
     return path;
 }
 
@@ -70,9 +71,18 @@ QString MainWindow::storageRoot()
     return QSettings().value(SettingsKeys::storageLocation, QString()).toString();
 }
 
-RecordingInformation MainWindow::liveRecordingInformation() const
+RecordingInformation MainWindow::panelInformation() const
 {
     return { informationText(1), informationText(2), informationText(3), informationText(4), informationText(5) };
+}
+
+RecordingInformation MainWindow::liveRecordingInformation() const
+{
+    // While a stored file is looked at, the panel shows that file's texts;
+    // the next file of a split recording takes the ones put aside.
+    if (!liveInformationShown)
+        return { liveInformation[0], liveInformation[1], liveInformation[2], liveInformation[3], liveInformation[4] };
+    return panelInformation();
 }
 
 void MainWindow::captureVideo()
@@ -219,7 +229,7 @@ void MainWindow::continueCaptureVideo()
     splitDelayTask = nullptr;
     if (!recorder)
         return;
-    if (informationText(1).isEmpty()) {
+    if (liveRecordingInformation().fileName.isEmpty()) {
         // The recording stays stopped under the recording state; deliberate.
         showFileNameHint();
         return;

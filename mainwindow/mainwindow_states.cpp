@@ -7,6 +7,7 @@
 #include <QSlider>
 #include <QStackedWidget>
 
+#include "tasks/orvixdelaytask.h"
 #include "widgets/animationlabel.h"
 
 namespace {
@@ -154,4 +155,11 @@ void MainWindow::liveSetup()
     // The texts typed for the next recording come back with the live view.
     refillLiveInformation();
     setupIdleUIState();
+    // A recording may have gone on while a file was looked at: its stop
+    // button must come back, not the start of a new one. The recording
+    // state is entered from idle, as when it began.
+    const bool recordingGoesOn = recorder
+            && (recorder->recorderState() != QMediaRecorder::StoppedState || splitPending || splitDelayTask);
+    if (recordingGoesOn)
+        setupRecordingUIState();
 }

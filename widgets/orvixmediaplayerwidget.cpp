@@ -82,6 +82,10 @@ void OrvixMediaPlayerWidget::setUrl(const QUrl &url)
     slider->show();
     setWindowFilePath(url.isLocalFile() ? url.toLocalFile() : QString());
     errorTold = false;
+    // The same file again may have grown since (it was being recorded):
+    // the player would keep what it knew of it.
+    if (mediaPlayer.source() == url)
+        mediaPlayer.setSource(QUrl());
     mediaPlayer.setSource(url);
     const QList<QAudioDevice> outputs = QMediaDevices::audioOutputs();
     if (!outputs.isEmpty()) {

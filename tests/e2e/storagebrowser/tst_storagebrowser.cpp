@@ -148,7 +148,18 @@ private slots:
         sinceFile.start();
         QTRY_VERIFY_WITH_TIMEOUT(model->itemForName(movieName), 2000);
         qInfo("the new movie was listed %lld ms after its file appeared", sinceFile.elapsed());
-        QTest::qWait(4000);
+        // Looking at the movie while it is written, then back to live: the
+        // recording went on and its stop button is there.
+        QTest::qWait(1500);
+        open(view, model, movieName);
+        QCOMPARE(stacked->currentIndex(), 3);
+        QTest::qWait(1000);
+        QTest::mouseClick(window.findChild<QPushButton *>(QStringLiteral("LiveSetupButton")), Qt::LeftButton);
+        auto *recordButton = window.findChild<QPushButton *>(QStringLiteral("VideoCaptureButton"));
+        QVERIFY(recordButton->isChecked() && recordButton->isEnabled());
+        QCOMPARE(field(window, 0), QStringLiteral("browse"));
+        QCOMPARE(window.currentRecorder()->recorderState(), QMediaRecorder::RecordingState);
+        QTest::qWait(1500);
         window.captureVideo();
         QTRY_COMPARE_WITH_TIMEOUT(window.currentRecorder()->recorderState(), QMediaRecorder::StoppedState, 10000);
 
