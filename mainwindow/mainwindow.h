@@ -34,6 +34,9 @@ class QAction;
 class QAudioInput;
 class QAudioSink;
 class QAudioSource;
+class QCheckBox;
+class QComboBox;
+class QDialog;
 class QCamera;
 class QFrame;
 class QHBoxLayout;
@@ -179,6 +182,27 @@ public slots:
     void setColorEnabel(int value);
     void setSharpness(int value);
     void setExposure(int value);
+    void brightnessClick();
+    void contrastClick();
+    void hueClick();
+    void staturationClick();
+    void whitebalClick();
+    void gammaClick();
+    void backlightClick();
+    void gainClick();
+    void colorenableClick();
+    void sharpnessClick();
+    void exposureClick();
+    void hz_50_checked(Qt::CheckState state);
+    void hz_60_checked(Qt::CheckState state);
+    void setColorDefault();
+    void updateCurrentMediaDevice();
+    void videoDefaultSet();
+
+    // The dialogs once built, for tests; null before.
+    QDialog *videoQualityDialog() const { return colorDialog; }
+    QDialog *recordDeviceDialog() const { return deviceDialog; }
+    QDialog *versionDialog() const { return versionBox; }
 
 protected:
     void changeEvent(QEvent *event) override;
@@ -266,6 +290,11 @@ private:
     // mainwindow_storage.cpp
     void setStorageBrowserRoot(const QString &root);
 
+    // mainwindow_dialogs.cpp
+    void buildColorDialog();
+    void autoClicked(int row);
+    void buildDeviceDialog();
+
     // Capture pipeline; the by-value members in the order they are made.
     // Made and deleted on videoThread (see startVideoThread).
     QVideoSink *videoSink = nullptr;
@@ -296,6 +325,9 @@ private:
     QCameraFormat queuedFormat;
     QCameraDevice currentCameraDevice;
     QAudioDevice chosenMicrophone;
+    // The microphone picked in the record device dialog; it wins over the
+    // recognised one while it is attached.
+    QAudioDevice userMicrophone;
 
     // Made per camera, without a parent, deleted here.
     QCamera *camera = nullptr;
@@ -376,6 +408,17 @@ private:
     QPushButton *imageFolderButton = nullptr;
     QPushButton *removeFileButton = nullptr;
     QPushButton *storageBrowseButton = nullptr;
+
+    // Dialogs, built on first use and kept.
+    QDialog *colorDialog = nullptr;
+    std::array<QSlider *, 11> colorSliders {};
+    std::array<QPushButton *, 11> autoButtons {};
+    QCheckBox *hz50Box = nullptr;
+    QCheckBox *hz60Box = nullptr;
+    QDialog *deviceDialog = nullptr;
+    QFrame *deviceFrame = nullptr;
+    std::array<std::pair<QLabel *, QComboBox *>, 7> deviceRows {};
+    QDialog *versionBox = nullptr;
 
     // Actions and menus.
     QList<QAction *> resolutionActions; // 1920 x 1080, 1280 x 720, 640 x 480, 640 x 630

@@ -119,15 +119,19 @@ void MainWindow::setCamera(QCameraDevice cameraInfo)
     delete audioInput;
     audioInput = nullptr;
 
-    // Of several qualifying microphones the last in the system's order wins.
+    // Of several qualifying microphones the last in the system's order wins;
+    // one picked in the record device dialog wins while it is attached.
     const QList<QAudioDevice> microphones = QMediaDevices::audioInputs();
     for (const QAudioDevice &microphone : microphones) {
-        if (!DeviceRecognition::microphoneQualifies(microphone.description()))
+        const bool picked = microphone == userMicrophone;
+        if (!picked && !DeviceRecognition::microphoneQualifies(microphone.description()))
             continue;
         delete audioInput;
         audioInput = new QAudioInput;
         audioInput->setDevice(microphone);
         chosenMicrophone = microphone;
+        if (picked)
+            break;
     }
 
     const QList<QAudioDevice> outputs = QMediaDevices::audioOutputs();

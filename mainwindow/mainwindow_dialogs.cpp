@@ -1,26 +1,364 @@
-// MainWindow: the dialogs and the picture adjustment values they set.
+// MainWindow: the video quality, record device and version dialogs, help,
+// and the picture adjustment values the quality dialog sets.
 #include "mainwindow.h"
 
-#include "app/orvixlogging.h"
+#include <QAudioInput>
+#include <QCamera>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QDesktopServices>
+#include <QDialog>
+#include <QFileInfo>
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMediaDevices>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QSlider>
+#include <QUrl>
+#include <QVBoxLayout>
 
-void MainWindow::videoSettings()
+#include "app/orvixlogging.h"
+#include "tasks/orvixdelaytask.h"
+
+namespace {
+struct ColorRow
 {
-    qCWarning(lcUi) << "videoSettings: the record device dialog is not available in this build yet";
+    const char *label;
+    int minimum;
+    int maximum;
+    void (MainWindow::*setter)(int);
+    int PictureAdjustments::*value;
+    const char *leftIcon;
+    const char *rightIcon;
+    void (MainWindow::*autoSlot)();
+};
+
+// The order of the rows, and which icon sits left, are as the dialog was
+// first drawn; the lower-case "hue" included.
+const ColorRow colorRows[11] = {
+    { "Brightness", -50, 80, &MainWindow::setBrightness, &PictureAdjustments::brightness, "icon_brightness02", "icon_brightness01", &MainWindow::brightnessClick },
+    { "Contrast", -100, 100, &MainWindow::setContrast, &PictureAdjustments::contrast, "icon_contrast01", "icon_contrast02", &MainWindow::contrastClick },
+    { "hue", 0, 120, &MainWindow::setHue, &PictureAdjustments::hue, "icon_hue01", "icon_hue02", &MainWindow::hueClick },
+    { "Saturation", -100, 50, &MainWindow::setStaturation, &PictureAdjustments::saturation, "icon_saturation01", "icon_saturation02", &MainWindow::staturationClick },
+    { "White Balance", -30, 30, &MainWindow::setWhiteBal, &PictureAdjustments::whiteBalance, "icon_white01", "icon_white02", &MainWindow::whitebalClick },
+    { "Gamma", -100, 100, &MainWindow::setGamma, &PictureAdjustments::gamma, "icon_gamma02", "icon_gamma01", &MainWindow::gammaClick },
+    { "Backlight", -1, 1, &MainWindow::setBacklight, &PictureAdjustments::backlight, "icon_backlight01", "icon_backlight02", &MainWindow::backlightClick },
+    { "Gain", 0, 100, &MainWindow::setGain, &PictureAdjustments::gain, "icon_gain01", "icon_gain02", &MainWindow::gainClick },
+    { "Color Enable", -100, 100, &MainWindow::setColorEnabel, &PictureAdjustments::colorEnable, "icon_color01", "icon_color02", &MainWindow::colorenableClick },
+    { "Sharpness", -100, 100, &MainWindow::setSharpness, &PictureAdjustments::sharpness, "icon_sharpness01", "icon_sharpness02", &MainWindow::sharpnessClick },
+    { "Exposure", -100, 100, &MainWindow::setExposure, &PictureAdjustments::exposure, "icon_exposure01", "icon_exposure02", &MainWindow::exposureClick },
+};
+
+// The resource paths start ":res/", as they always have.
+const QString autoOnStyle = QStringLiteral(
+        "QPushButton{border-image: url(:res/VideoConfig/bg_noclick_auto_on.png)}"
+        "QPushButton:hover{border-image: url(:res/VideoConfig/bg_click_auto.png)}"
+        "QPushButton:pressed{border-image: url(:res/VideoConfig/bg_noclick_auto_on.png)}");
+const QString autoOffStyle = QStringLiteral(
+        "QPushButton{border-image: url(:res/VideoConfig/bg_click_auto.png)}"
+        "QPushButton:hover{border-image: url(:res/VideoConfig/bg_click_auto.png)}"
+        "QPushButton:pressed{border-image: url(:res/VideoConfig/bg_noclick_auto_on.png)}");
+
+QLabel *iconLabel(const char *name)
+{
+    auto *label = new QLabel;
+    label->setPixmap(QPixmap(QStringLiteral(":res/VideoConfig/%1.png").arg(QLatin1String(name))));
+    return label;
+}
+
+QFrame *deviceRecordFrame(QWidget *parent)
+{
+    auto *frame = new QFrame(parent);
+    frame->setObjectName(QStringLiteral("deviceRecordFrame"));
+    frame->setStyleSheet(QStringLiteral("QFrame#deviceRecordFrame {background-color: rgb(70, 70, 70); }"));
+    frame->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Maximum);
+    new QVBoxLayout(frame);
+    return frame;
+}
+
+// Descriptions with the current one first and none twice.
+QStringList currentFirst(const QString &current, const QStringList &all)
+{
+    QStringList items;
+    if (!current.isEmpty())
+        items.append(current);
+    for (const QString &description : all) {
+        if (!items.contains(description))
+            items.append(description);
+    }
+    return items;
+}
 }
 
 void MainWindow::showColorDialog()
 {
-    qCWarning(lcUi) << "showColorDialog: the video quality dialog is not available in this build yet";
+    if (!colorDialog)
+        buildColorDialog();
+    colorDialog->show();
+    colorDialog->raise();
 }
 
-void MainWindow::help()
+void MainWindow::buildColorDialog()
 {
-    qCWarning(lcUi) << "help: not available in this build yet";
+    colorDialog = new QDialog(this);
+    colorDialog->setWindowTitle(tr("Video Quality"));
+    deviceRecordFrame(colorDialog);
+
+    auto *layout = new QVBoxLayout;
+    for (int i = 0; i < 11; ++i) {
+        const ColorRow &row = colorRows[i];
+        auto *rowLayout = new QHBoxLayout;
+        auto *name = new QLabel(QString::fromLatin1(row.label));
+        name->setFixedWidth(80);
+        auto *slider = new QSlider(Qt::Horizontal);
+        slider->setFixedWidth(200);
+        slider->setRange(row.minimum, row.maximum);
+        slider->setValue(adjustments.*row.value);
+        connect(slider, &QSlider::valueChanged, this, row.setter);
+        auto *button = new QPushButton(QStringLiteral("Auto"));
+        button->setFixedSize(50, 20);
+        button->setStyleSheet(autoOffStyle);
+        connect(button, &QPushButton::clicked, this, row.autoSlot);
+        rowLayout->addWidget(name);
+        rowLayout->addWidget(iconLabel(row.leftIcon));
+        rowLayout->addWidget(slider);
+        rowLayout->addWidget(iconLabel(row.rightIcon));
+        rowLayout->addWidget(button);
+        layout->addLayout(rowLayout);
+        colorSliders[i] = slider;
+        autoButtons[i] = button;
+    }
+
+    auto *powerLine = new QHBoxLayout;
+    auto *powerLabel = new QLabel(QStringLiteral("Power line hz"));
+    powerLabel->setFixedWidth(80);
+    hz50Box = new QCheckBox(QStringLiteral("50Hz"));
+    hz60Box = new QCheckBox(QStringLiteral("60Hz"));
+    hz50Box->setFixedWidth(100);
+    hz60Box->setFixedWidth(100);
+    hz60Box->setChecked(true);
+    // Qt 6.4 has no checkStateChanged; stateChanged carries the same value.
+    connect(hz50Box, &QCheckBox::stateChanged, this, [this](int state) { hz_50_checked(Qt::CheckState(state)); });
+    connect(hz60Box, &QCheckBox::stateChanged, this, [this](int state) { hz_60_checked(Qt::CheckState(state)); });
+    powerLine->addWidget(powerLabel);
+    powerLine->addWidget(hz50Box);
+    powerLine->addStretch(1);
+    powerLine->addWidget(hz60Box);
+    powerLine->addStretch(2);
+    layout->addLayout(powerLine);
+
+    auto *buttons = new QHBoxLayout;
+    auto *defaults = new QPushButton(QStringLiteral("Default"));
+    auto *close = new QPushButton(QStringLiteral("Close"));
+    defaults->setFixedSize(80, 50);
+    close->setFixedSize(80, 50);
+    connect(close, &QPushButton::clicked, colorDialog, &QDialog::close);
+    connect(defaults, &QPushButton::clicked, this, &MainWindow::setColorDefault);
+    buttons->addWidget(defaults);
+    buttons->addWidget(close);
+    layout->addLayout(buttons);
+    colorDialog->setLayout(layout);
+}
+
+void MainWindow::autoClicked(int row)
+{
+    QPushButton *button = autoButtons[row];
+    if (!button)
+        return;
+    QSlider *slider = colorSliders[row];
+    if (!slider->isEnabled()) {
+        button->setStyleSheet(autoOffStyle);
+        slider->setEnabled(true);
+        return;
+    }
+    adjustments.*colorRows[row].value = 0;
+    slider->setValue(0);
+    button->setStyleSheet(autoOnStyle);
+    slider->setEnabled(false);
+}
+
+void MainWindow::brightnessClick() { autoClicked(0); }
+void MainWindow::contrastClick() { autoClicked(1); }
+void MainWindow::hueClick() { autoClicked(2); }
+void MainWindow::staturationClick() { autoClicked(3); }
+void MainWindow::whitebalClick() { autoClicked(4); }
+void MainWindow::gammaClick() { autoClicked(5); }
+void MainWindow::backlightClick() { autoClicked(6); }
+void MainWindow::gainClick() { autoClicked(7); }
+void MainWindow::colorenableClick() { autoClicked(8); }
+void MainWindow::sharpnessClick() { autoClicked(9); }
+void MainWindow::exposureClick() { autoClicked(10); }
+
+void MainWindow::setColorDefault()
+{
+    if (!colorDialog)
+        return;
+    for (int i = 0; i < 11; ++i) {
+        if (!colorSliders[i])
+            continue;
+        adjustments.*colorRows[i].value = 0;
+        colorSliders[i]->setValue(0);
+    }
+    hz50Box->setChecked(false);
+    hz60Box->setChecked(true);
+}
+
+void MainWindow::hz_50_checked(Qt::CheckState state)
+{
+    if (hz50Box && hz50Box->isCheckable() && state == Qt::Checked)
+        hz60Box->setChecked(false);
+}
+
+void MainWindow::hz_60_checked(Qt::CheckState state)
+{
+    if (hz60Box && hz60Box->isCheckable() && state == Qt::Checked)
+        hz50Box->setChecked(false);
+}
+
+void MainWindow::videoSettings()
+{
+    if (!recorder)
+        return;
+    if (!deviceDialog)
+        buildDeviceDialog();
+    deviceDialog->show();
+    deviceDialog->raise();
+    deviceDialog->setFixedSize(deviceDialog->size());
+    deviceFrame->setFixedSize(deviceFrame->size());
+}
+
+void MainWindow::buildDeviceDialog()
+{
+    deviceDialog = new QDialog(this);
+    deviceFrame = deviceRecordFrame(deviceDialog);
+
+    QStringList cameras;
+    for (const QCameraDevice &device : std::as_const(availableCameras))
+        cameras.append(device.description());
+    QStringList microphones;
+    for (const QAudioDevice &device : QMediaDevices::audioInputs())
+        microphones.append(device.description());
+    const QString currentCamera = camera ? camera->cameraDevice().description() : QString();
+    const QString currentMicrophone = audioInput ? audioInput->device().description() : QString();
+
+    // The texts are the ones users have always seen, "LANME" included.
+    const std::array<std::pair<QString, QStringList>, 7> rows { {
+            { QStringLiteral("Video Devices"), currentFirst(currentCamera, cameras) },
+            { QStringLiteral("Video Compressor"), { QStringLiteral("H.264(AVC)") } },
+            { QStringLiteral("Audio Compressor"), { QStringLiteral("LANME Audio Encoder") } },
+            { QStringLiteral("Audio Format"), { QStringLiteral("stereo 128kbps MP3") } },
+            { QStringLiteral("Audio Device"), currentFirst(currentMicrophone, microphones) },
+            { QStringLiteral("Bit Rate"), { QStringLiteral("Highest(r=0.14)"), QStringLiteral("High(r=0.11)"), QStringLiteral("Normal(r=0.1085)") } },
+            { QStringLiteral("Frame Rate"), { QStringLiteral("High(30)") } },
+    } };
+
+    auto *layout = new QVBoxLayout;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        auto *rowLayout = new QHBoxLayout;
+        auto *label = new QLabel(rows[i].first);
+        label->setFixedSize(100, 25);
+        auto *combo = new QComboBox;
+        combo->setFixedSize(250, 25);
+        combo->addItems(rows[i].second);
+        rowLayout->addWidget(label);
+        rowLayout->addWidget(combo);
+        layout->addLayout(rowLayout);
+        deviceRows[i] = { label, combo };
+    }
+    auto *buttons = new QHBoxLayout;
+    auto *defaults = new QPushButton(QStringLiteral("Default"));
+    auto *apply = new QPushButton(QStringLiteral("Apply"));
+    connect(defaults, &QPushButton::clicked, this, &MainWindow::videoDefaultSet);
+    connect(apply, &QPushButton::clicked, this, &MainWindow::updateCurrentMediaDevice);
+    buttons->addStretch(1);
+    buttons->addWidget(defaults);
+    buttons->addStretch(1);
+    buttons->addWidget(apply);
+    buttons->addStretch(1);
+    layout->addLayout(buttons);
+    deviceDialog->setLayout(layout);
+}
+
+void MainWindow::updateCurrentMediaDevice()
+{
+    const QString chosen = deviceRows[4].second->currentText();
+    QAudioDevice microphone;
+    for (const QAudioDevice &device : QMediaDevices::audioInputs()) {
+        if (device.description() == chosen) {
+            microphone = device;
+            break;
+        }
+    }
+    if (microphone.isNull())
+        return;
+    // Building the session again ends a recording: the surgeon is asked to
+    // stop it first rather than lose the rest of it unseen.
+    if (recorder && (recorder->recorderState() != QMediaRecorder::StoppedState || splitPending || splitDelayTask)) {
+        QMessageBox box(QMessageBox::Warning, tr("Record Device"),
+                        tr("The recording is still running.\nStop it before changing the record device."),
+                        QMessageBox::Ok, deviceDialog);
+        box.exec();
+        return;
+    }
+    userMicrophone = microphone;
+    const QCameraDevice current = startedCameraDevice;
+    const QList<QCameraDevice> cameras = availableCameras;
+    cameraDropped(cameras);
+    availableCameras = cameras;
+    if (!current.isNull())
+        setCamera(current);
+}
+
+void MainWindow::videoDefaultSet()
+{
+    for (const auto &[label, combo] : deviceRows) {
+        if (combo)
+            combo->setCurrentIndex(0);
+    }
+    if (deviceDialog)
+        deviceDialog->hide();
 }
 
 void MainWindow::version()
 {
-    qCWarning(lcUi) << "version: not available in this build yet";
+    if (!versionBox) {
+        versionBox = new QDialog(this);
+        auto *layout = new QVBoxLayout(versionBox);
+#ifdef Q_OS_WIN
+        const QString system = QStringLiteral("windows");
+#else
+        const QString system = QStringLiteral("linux");
+#endif
+        const std::array<std::pair<QString, QString>, 3> facts { {
+                { tr("version:"), tr("v2.0.1") },
+                { tr("soft date:"), tr("2025/01/16") },
+                { tr("system:"), system },
+        } };
+        for (const auto &[label, value] : facts) {
+            auto *row = new QHBoxLayout;
+            auto *name = new QLabel(label);
+            name->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+            name->setFixedWidth(60);
+            auto *edit = new QLineEdit(value);
+            edit->setReadOnly(true);
+            row->addWidget(name);
+            row->addWidget(edit);
+            layout->addLayout(row);
+        }
+    }
+    versionBox->show();
+    versionBox->raise();
+}
+
+void MainWindow::help()
+{
+    const QString manual = QCoreApplication::applicationDirPath() + QStringLiteral("/Help/Orvix_Full_HD_Help.html");
+    if (QFileInfo::exists(manual))
+        QDesktopServices::openUrl(QUrl::fromLocalFile(manual));
 }
 
 void MainWindow::setBrightness(int value) { adjustments.brightness = value; }
