@@ -17,6 +17,7 @@
 #include "capture/orvixdevicewatchdogtask.h"
 #include "mainwindow/mainwindow.h"
 #include "orvixtest.h"
+#include "screenshots.h"
 #include "widgets/animationlabel.h"
 #include "widgets/framefilters.h"
 #include "widgets/orvixvideowidget.h"
@@ -230,7 +231,7 @@ private slots:
         // The live view moves.
         QVERIFY(pictureMovesWithin(window, 15000));
 
-        saveScreenshot(window, QStringLiteral("live"));
+        saveScreenshot(&window, QStringLiteral("live"));
     }
 
     // Qt's video sink waits for the thread it lives on and gives up after a
@@ -450,14 +451,14 @@ private slots:
         QCOMPARE(adjusted.size(), plain.size());
         // Warmer and paler: more red than blue where the plain picture is grey.
         QVERIFY(adjusted != plain);
-        saveScreenshot(window, QStringLiteral("live-filters"));
+        saveScreenshot(&window, QStringLiteral("live-filters"));
     }
 
     // Every state at both sizes; the pictures are for people to look at.
     void screenshotsOfEveryState()
     {
         if (qEnvironmentVariableIsEmpty("ORVIX_SCREENSHOT_DIR"))
-            QSKIP("set ORVIX_SCREENSHOT_DIR to keep the screenshots");
+            QSKIP("set ORVIX_SCREENSHOT_DIR to keep the screenshots (the manual's target does)");
         for (const QSize &size : { QSize(1280, 720), QSize(1920, 1080) }) {
             const QString suffix = QStringLiteral("-%1x%2").arg(size.width()).arg(size.height());
             devices.setCameras({});
@@ -468,7 +469,7 @@ private slots:
                 waiting.show();
                 QVERIFY(QTest::qWaitForWindowExposed(&waiting));
                 QTest::qWait(300);
-                saveScreenshot(waiting, QStringLiteral("invalid") + suffix);
+                saveScreenshot(&waiting, QStringLiteral("invalid") + suffix);
             }
             devices.setCameras({ VirtualDevices::cameraLine(fullHd) });
             waitForCameras({ fullHd });
@@ -481,25 +482,18 @@ private slots:
             auto *view = window.findChild<OrvixVideoWidget *>(QStringLiteral("CameraViewfinder"));
             const QPoint centre = view->mapTo(&window, view->rect().center());
             QTRY_VERIFY_WITH_TIMEOUT(window.grab().toImage().pixel(centre) != qRgb(34, 34, 34), 5000);
-            saveScreenshot(window, QStringLiteral("idle") + suffix);
+            saveScreenshot(&window, QStringLiteral("idle") + suffix);
             window.setupRecordingUIState();
             QTest::qWait(300);
-            saveScreenshot(window, QStringLiteral("recording") + suffix);
+            saveScreenshot(&window, QStringLiteral("recording") + suffix);
             window.setupMediaUIState();
             window.findChild<QStackedWidget *>(QStringLiteral("StackedPlayersWidget"))->setCurrentIndex(3);
             QTest::qWait(100);
-            saveScreenshot(window, QStringLiteral("media") + suffix);
+            saveScreenshot(&window, QStringLiteral("media") + suffix);
         }
     }
 
 private:
-    void saveScreenshot(MainWindow &window, const QString &name)
-    {
-        const QString folder = qEnvironmentVariable("ORVIX_SCREENSHOT_DIR");
-        if (!folder.isEmpty())
-            window.grab().save(folder + QLatin1Char('/') + name + QStringLiteral(".png"));
-    }
-
     VirtualDevices &devices;
 };
 

@@ -18,6 +18,7 @@
 #include "app/settingskeys.h"
 #include "mainwindow/mainwindow.h"
 #include "orvixtest.h"
+#include "screenshots.h"
 #include "widgets/orvixvideowidget.h"
 
 namespace {
@@ -74,14 +75,6 @@ double toneHz(const QString &movie)
     return count ? crossings / 2.0 / (count / 48000.0) : 0;
 }
 
-void screenshot(QWidget *widget, const QString &name)
-{
-    QTest::qWait(500);
-    QDir().mkpath(QStringLiteral("screenshots"));
-    const QRect frame = widget->frameGeometry();
-    QVERIFY(widget->screen()->grabWindow(0, frame.x(), frame.y(), frame.width(), frame.height())
-                    .save(QStringLiteral("screenshots/") + name + QStringLiteral(".png")));
-}
 }
 
 // Stands in for the desktop's viewer.
@@ -144,7 +137,7 @@ private slots:
         QSlider *saturation = sliders[3];
         QCOMPARE(brightness->minimum(), -50);
         QCOMPARE(saturation->minimum(), -100);
-        screenshot(dialog, QStringLiteral("dialog-video-quality"));
+        QVERIFY(saveScreenshot(dialog, QStringLiteral("dialog-video-quality")));
 
         const double plainLevel = meanLevel(view);
         brightness->setValue(60);
@@ -207,7 +200,7 @@ private slots:
         QComboBox *microphones = combos[4];
         QCOMPARE(microphones->itemText(0), QStringLiteral("Orvix High Definition Mic II"));
         QVERIFY(microphones->findText(QStringLiteral("Desk Microphone")) > 0);
-        screenshot(dialog, QStringLiteral("dialog-record-device"));
+        QVERIFY(saveScreenshot(dialog, QStringLiteral("dialog-record-device")));
 
         microphones->setCurrentText(QStringLiteral("Desk Microphone"));
         for (QPushButton *button : dialog->findChildren<QPushButton *>()) {

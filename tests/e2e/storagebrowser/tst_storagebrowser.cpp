@@ -21,6 +21,7 @@
 #include "mainwindow/mainwindow.h"
 #include "messageboxwatcher.h"
 #include "orvixtest.h"
+#include "screenshots.h"
 #include "storage/orvixstoragemodel.h"
 #include "storage/recordinginformation.h"
 #include "storage/storagepaths.h"
@@ -75,17 +76,6 @@ int playbackStreams()
     return pactl.readAllStandardOutput().count('\n');
 }
 
-// From the screen: the player's picture is a native window of its own that
-// a widget grab would leave black.
-void saveScreenshot(QWidget &window, const QString &name)
-{
-    QDir().mkpath(QStringLiteral("screenshots"));
-    // Let the X server show what the window painted.
-    QTest::qWait(500);
-    const QPixmap shot = window.screen()->grabWindow(0, window.geometry().x(), window.geometry().y(),
-                                                     window.width(), window.height());
-    QVERIFY(shot.save(QStringLiteral("screenshots/") + name + QStringLiteral(".png")));
-}
 }
 
 class tst_StorageBrowser : public QObject
@@ -181,7 +171,7 @@ private slots:
         QCOMPARE(fields(window), QStringList(5, QString()));
         QVERIFY(editButton->isHidden());
         QTRY_VERIFY(!imageView->drawRectangle().isEmpty());
-        saveScreenshot(window, QStringLiteral("storage-image"));
+        QVERIFY(saveScreenshot(&window, QStringLiteral("storage-image")));
 
         // The movie: its first picture, paused, then played with its sound
         // to the end.
@@ -195,7 +185,7 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(player->videoSurface()->videoSink()->videoFrame().isValid(), 5000);
         QCOMPARE(player->videoSurface()->videoSink()->videoFrame().size(), QSize(1920, 1080));
         QTest::qWait(500);
-        saveScreenshot(window, QStringLiteral("storage-movie"));
+        QVERIFY(saveScreenshot(&window, QStringLiteral("storage-movie")));
         QTest::mouseClick(player->playButton(), Qt::LeftButton);
         QTRY_COMPARE(player->player()->playbackState(), QMediaPlayer::PlayingState);
         QCOMPARE(player->playButton()->styleSheet(), OrvixMediaPlayerWidget::pauseStyleSheet());
