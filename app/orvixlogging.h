@@ -9,3 +9,5 @@ Q_DECLARE_LOGGING_CATEGORY(lcRecording)
 Q_DECLARE_LOGGING_CATEGORY(lcTasks)
 Q_DECLARE_LOGGING_CATEGORY(lcStorage)
 Q_DECLARE_LOGGING_CATEGORY(lcUi)
+// The live view's health every 10 s; on with QT_LOGGING_RULES="orvix.perf.info=true".
+Q_DECLARE_LOGGING_CATEGORY(lcPerf)

@@ -17,11 +17,10 @@ OrvixDeviceWatchDogTask::OrvixDeviceWatchDogTask(int interval, const QDateTime &
     : OrvixScheduledTask(interval, dueTime, parent)
 {
     setObjectName(QStringLiteral("DeviceWatchDogTask"));
-    recognisedNames = QStringList { QStringLiteral("Tessaly HD Web Camera"), QStringLiteral("Orvix QHD Camera"),
-                                    QStringLiteral("Orvix High Definition Mic II"), QStringLiteral("Orvix Full HD Camera"),
-                                    QStringLiteral("USB Wideangle Digital Camera") };
-    recognisedIds = QStringList { QStringLiteral("0x1510000041b7e2d9"), QStringLiteral("0x1520000041b7e2d9"),
-                                  QStringLiteral("0x15100000905c3a1e") };
+    // One list of the product's devices for the window and the watchdog;
+    // the order never mattered here.
+    recognisedNames = DeviceRecognition::recognisedNames();
+    recognisedIds = DeviceRecognition::recognisedIds();
     // The window's connections name the list type by this older name.
     qRegisterMetaType<QList<QCameraDevice>>("QList<QCameraInfo>");
 }

@@ -25,6 +25,7 @@
 #include <QVideoFrame>
 #include <QVideoSink>
 
+#include "capture/framestatistics.h"
 #include "mainwindow/recordingguard.h"
 #include "storage/recordinginformation.h"
 #include "widgets/framefilters.h"
@@ -243,6 +244,7 @@ private:
     void deletePipeline();
     void showWaitingPage();
     void startVideoThread();
+    void logFrameStatistics();
     void stopVideoThread();
     void postFrame(const QVideoFrame &frame);
     void takeNewestFrame();
@@ -349,6 +351,8 @@ private:
     QString lastRecorderError;
     RecordingGuard recordingGuard;
     QTimer recordingGuardTimer;
+    FrameStatistics frameStatistics;
+    QTimer perfLogTimer;
     QElapsedTimer recordingClock;
     bool spaceLowWarned = false;
     // A stop waits for the file's first picture and sound.

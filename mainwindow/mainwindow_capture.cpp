@@ -310,6 +310,11 @@ void MainWindow::startVideoThread()
     // at once, and frames reach this thread as posted events.
     videoThread.setObjectName(QStringLiteral("OrvixVideo"));
     videoThread.start();
+    if (lcPerf().isInfoEnabled()) {
+        perfLogTimer.setInterval(10000);
+        connect(&perfLogTimer, &QTimer::timeout, this, &MainWindow::logFrameStatistics);
+        perfLogTimer.start();
+    }
     videoThreadContext = new QObject;
     videoThreadContext->moveToThread(&videoThread);
     QMetaObject::invokeMethod(videoThreadContext, [this] {
@@ -369,6 +374,7 @@ void MainWindow::formatSettled()
 // frames instead of queuing them.
 void MainWindow::postFrame(const QVideoFrame &frame)
 {
+    frameStatistics.frameReceived();
     QMutexLocker locker(&newestFrameLock);
     newestFrame = frame;
     if (newestFrameWaiting)
@@ -402,12 +408,23 @@ void MainWindow::renderFrame(QPainter &painter)
     QVideoFrame frame = currentFrame;
     if (!frame.map(QVideoFrame::ReadOnly))
         return;
+    QElapsedTimer cost;
+    cost.start();
     QImage image = frame.toImage();
     image = FrameFilters::orient(image, rotationMode);
     FrameFilters::adjust(image, adjustments);
     const QRect target = FrameFilters::targetRect(videoWidget->size());
     painter.drawImage(target, image, QRect(0, 0, image.width(), image.height()));
     frame.unmap();
+    frameStatistics.frameShown(cost.nsecsElapsed());
+}
+
+void MainWindow::logFrameStatistics()
+{
+    const FrameStatistics::Period period = frameStatistics.takePeriod();
+    qCInfo(lcPerf, "live view, last %d s: %d frames received, %d shown, %d skipped; render mean %.1f ms, worst %.1f ms",
+           int(perfLogTimer.interval() / 1000), period.received, period.shown, period.skipped, period.meanRenderMs,
+           period.worstRenderMs);
 }
 
 void MainWindow::updateAudioOutVolum(float volume)

@@ -294,7 +294,7 @@ public:
     // Per channel pair: the hue's tint, then saturation and the later steps.
     const quint32 *pairs(const Plan &plan, const Kernels &kernels)
     {
-        if (tintHue != *plan.hue) {
+        if (tintHue != plan.hue) {
             // Every pixel takes the one hue and keeps its HSV saturation and value.
             const PairTables &pairs = pairTables();
             for (int maximum = 0; maximum < 256; ++maximum) {
@@ -303,7 +303,7 @@ public:
                     tinted[at] = QColor::fromHsv(*plan.hue, pairs.hsvSaturation[at], pairs.hsvValue[maximum], 255).rgb();
                 }
             }
-            tintHue = *plan.hue;
+            tintHue = plan.hue;
             pairsHue.reset();
         }
         if (pairsHue != plan.hue || pairsSaturation != plan.saturation || pairsAfter != plan.after) {
@@ -329,7 +329,8 @@ public:
 private:
     std::optional<int> targetShift;
     std::array<quint32, 65536> targetTable {};
-    int tintHue = -1;
+    // Empty until the first tint; -1 is a hue of its own (grey).
+    std::optional<int> tintHue;
     std::array<quint32, 65536> tinted {};
     std::optional<int> pairsHue;
     std::optional<int> pairsSaturation;

@@ -156,6 +156,16 @@ public:
     explicit tst_FrameFilters(VirtualDevices &devices) : devices(devices) { }
 
 private slots:
+    // First of all, while the renderer's tables are fresh: -1 is a hue of
+    // its own (grey), not the mark of a table never built.
+    void hueMinusOneFromAFreshStart()
+    {
+        const QImage picture = ReferenceFilters::colourCube(9);
+        PictureAdjustments values;
+        values.hue = -1;
+        QCOMPARE(firstDifference(picture, FrameFilters::adjusted(picture, values), ReferenceFilters::hue(picture, -1)), QString());
+    }
+
     void everyColourOnce_data()
     {
         QTest::addColumn<int>("filter");

@@ -444,28 +444,6 @@ private slots:
         QCOMPARE(StartupGeometry::splashPosition(position), position + QPoint(100, 100));
     }
 
-    void menusInOrder()
-    {
-        MainWindow window;
-        QStringList menus;
-        for (QAction *menu : window.menuBar()->actions())
-            menus << menu->text();
-        QCOMPARE(menus, QStringList({ "&Record", "&File Size", "S&napShot", "&Screen", "&Configuration", "&Help" }));
-        QStringList sizes;
-        for (QAction *action : window.menuBar()->actions().at(1)->menu()->actions())
-            sizes << action->text();
-        QCOMPARE(sizes, QStringList({ "&1GB", "&2GB", "&3GB", "&4GB", "&5GB", "1&0GB", "&No Size Limit" }));
-        QStringList resolution;
-        for (QAction *action : child<QPushButton>(window, "ResolutionSetupButton")->menu()->actions())
-            resolution << action->text();
-        QCOMPARE(resolution, QStringList({ "1920 x 1080", "1280 x 720", "640 x 480" }));
-        QCOMPARE(child<QPushButton>(window, "ResolutionSetupButton")->menu()->title(), QStringLiteral("Rotation"));
-        QStringList rotation;
-        for (QAction *action : child<QPushButton>(window, "RotationSetupButton")->menu()->actions())
-            rotation << action->text();
-        QCOMPARE(rotation, QStringList({ "0", "180º", "Mirror", "180º Mirror" }));
-    }
-
 private:
     VirtualDevices &devices;
 };

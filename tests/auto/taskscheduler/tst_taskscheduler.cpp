@@ -108,20 +108,6 @@ private slots:
                  QStringList({ "early", "a", "b", "c", "late" }));
     }
 
-    void tasksDueTogetherRunInInsertionOrder()
-    {
-        RunLog log;
-        OrvixTaskScheduler scheduler(100);
-        const QDateTime soon = QDateTime::currentDateTime().addMSecs(150);
-        for (const char *name : { "first", "second", "third" })
-            scheduler.schedule(new RecordingTask(QString::fromLatin1(name), 0, soon, &log));
-        scheduler.start();
-        QTRY_COMPARE(log.taken(), QStringList({ "first", "second", "third" }));
-        // One-shot tasks are released after their run.
-        QTRY_VERIFY(scheduler.queuedTasks().isEmpty());
-        scheduler.shutdown();
-    }
-
     void nextDueTimeSkipsMissedPeriods_data()
     {
         QTest::addColumn<int>("interval");
@@ -265,19 +251,6 @@ private slots:
         QVERIFY(clock.elapsed() < 2000);
     }
 
-    void delayTaskSignalsAfterOneSecond()
-    {
-        auto *delay = new OrvixDelayTask;
-        QSignalSpy signalled(delay, &OrvixDelayTask::delay_surgical);
-        connect(delay, &QThread::finished, delay, &QObject::deleteLater);
-        QElapsedTimer clock;
-        clock.start();
-        delay->start(QThread::InheritPriority);
-        QVERIFY(signalled.wait(3000));
-        QVERIFY2(clock.elapsed() >= 950, qPrintable(QString::number(clock.elapsed())));
-        QCOMPARE(signalled.first().first().toInt(), 0);
-    }
-
     void splitRule_data()
     {
         QTest::addColumn<qint64>("size");
@@ -297,22 +270,6 @@ private slots:
         QFETCH(qint64, limit);
         QFETCH(bool, split);
         QCOMPARE(OrvixFileSplitTask::exceedsLimit(size, limit), split);
-    }
-
-    void splitTaskWatchesAGrowingFile()
-    {
-        QTemporaryFile file;
-        QVERIFY(file.open());
-        auto *task = new OrvixFileSplitTask(file.fileName(), 1000);
-        QSignalSpy split(task, &OrvixFileSplitTask::splitFile);
-        QSignalSpy destroyed(task, &QObject::destroyed);
-        OrvixBasicTask::runInThread(task);
-        QTest::qWait(1200);
-        QCOMPARE(split.size(), 0);
-        file.write(QByteArray(2100, 'x'));
-        file.flush();
-        QTRY_COMPARE_WITH_TIMEOUT(split.size(), 1, 3000);
-        QTRY_COMPARE(destroyed.size(), 1);
     }
 };
 
