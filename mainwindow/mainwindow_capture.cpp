@@ -23,6 +23,7 @@
 #include "capture/audioinfo.h"
 #include "capture/devicerecognition.h"
 #include "widgets/animationlabel.h"
+#include "widgets/frameconversion.h"
 #include "widgets/orvixvideowidget.h"
 #include "widgets/waitingforcamerawidget.h"
 
@@ -410,7 +411,7 @@ void MainWindow::renderFrame(QPainter &painter)
         return;
     QElapsedTimer cost;
     cost.start();
-    QImage image = frame.toImage();
+    QImage image = FrameConversion::toImage(frame);
     image = FrameFilters::orient(image, rotationMode);
     FrameFilters::adjust(image, adjustments);
     const QRect target = FrameFilters::targetRect(videoWidget->size());

@@ -9,6 +9,7 @@
 #include <QVideoSink>
 
 #include "orvixtest.h"
+#include "widgets/frameconversion.h"
 #include "referencefilters.h"
 #include "widgets/framefilters.h"
 
@@ -164,6 +165,48 @@ private slots:
         PictureAdjustments values;
         values.hue = -1;
         QCOMPARE(firstDifference(picture, FrameFilters::adjusted(picture, values), ReferenceFilters::hue(picture, -1)), QString());
+    }
+
+    // The camera's formats converted by the program look as Qt converts them.
+    void conversionMatchesQt_data()
+    {
+        QTest::addColumn<QVideoFrameFormat::PixelFormat>("format");
+        QTest::addRow("YUYV") << QVideoFrameFormat::Format_YUYV;
+        QTest::addRow("UYVY") << QVideoFrameFormat::Format_UYVY;
+        QTest::addRow("NV12") << QVideoFrameFormat::Format_NV12;
+        QTest::addRow("YUV420P") << QVideoFrameFormat::Format_YUV420P;
+    }
+
+    void conversionMatchesQt()
+    {
+        QFETCH(QVideoFrameFormat::PixelFormat, format);
+        QVideoFrame frame(QVideoFrameFormat(QSize(96, 64), format));
+        QVERIFY(frame.map(QVideoFrame::WriteOnly));
+        quint32 seed = 12345;
+        for (int plane = 0; plane < frame.planeCount(); ++plane) {
+            uchar *bits = frame.bits(plane);
+            for (int i = 0; i < frame.mappedBytes(plane); ++i) {
+                seed = seed * 1103515245 + 12345;
+                // Smooth enough that chroma placement does not dominate.
+                bits[i] = uchar(16 + ((i / 7) * 37 + (seed >> 28)) % 220);
+            }
+        }
+        frame.unmap();
+        QVERIFY(frame.map(QVideoFrame::ReadOnly));
+        if (!FrameConversion::convertsItself(frame))
+            QSKIP("built without libyuv: Qt converts every format");
+        const QImage ours = FrameConversion::toImage(frame).convertToFormat(QImage::Format_ARGB32);
+        const QImage qts = frame.toImage().convertToFormat(QImage::Format_ARGB32);
+        frame.unmap();
+        QCOMPARE(ours.size(), qts.size());
+        int worst = 0;
+        for (int y = 0; y < ours.height(); ++y) {
+            for (int x = 0; x < ours.width(); ++x) {
+                const QRgb a = ours.pixel(x, y), b = qts.pixel(x, y);
+                worst = std::max({ worst, qAbs(qRed(a) - qRed(b)), qAbs(qGreen(a) - qGreen(b)), qAbs(qBlue(a) - qBlue(b)) });
+            }
+        }
+        QVERIFY2(worst <= 4, qPrintable(QStringLiteral("a channel differs by %1").arg(worst)));
     }
 
     void everyColourOnce_data()
