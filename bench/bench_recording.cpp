@@ -2,7 +2,8 @@
 // per second in the file, CPU seconds per recorded second and bit rate, for
 // the program with its live view on, against a plain GStreamer pipeline that
 // encodes the same picture and sound with the same encoder settings, in the
-// same run. Usage: bench_recording [seconds, default 60]
+// same run; and with all nine picture filters on, the frames the live view
+// shows. Usage: bench_recording [seconds, default 60]
 #include <cstdio>
 
 #include <sys/resource.h>
@@ -41,6 +42,9 @@ struct Run
     MovieProbe movie;
     double cpu = 0;
     double bytes = 0;
+    // The live view: frames drawn a second, and the mean cost of one.
+    double shownPerSecond = 0;
+    double renderMs = 0;
 };
 
 // The camera's own source and the microphone, encoded as the recorder does.
@@ -81,21 +85,37 @@ Run plainPipeline(const QString &path, int seconds)
     return run;
 }
 
-Run program(const QString &root, int seconds, bool record)
+Run program(const QString &root, int seconds, bool record, bool filters = false)
 {
     QSettings().setValue(SettingsKeys::storageLocation, root);
     MainWindow window;
     window.resize(1280, 760);
     window.show();
     window.findChild<QLineEdit *>(QStringLiteral("InformationFileNameEdit"))->setText(QStringLiteral("bench"));
+    if (filters) {
+        // All nine picture filters at once, the most the live view can be asked.
+        window.setBrightness(10);
+        window.setContrast(-20);
+        window.setGamma(15);
+        window.setHue(33);
+        window.setStaturation(-20);
+        window.setWhiteBal(12);
+        window.setBacklight(1);
+        window.setGain(5);
+        window.setExposure(-7);
+    }
     // Past the camera's start.
     QTest::qWait(2000);
+    window.liveViewStatistics().takePeriod();
     const double cpuBefore = cpuSeconds();
     if (record)
         window.captureVideo();
     const QString path = window.recordingFile();
     QTest::qWait(seconds * 1000);
-    Run run { record ? "Orvix, live view on" : "Orvix, live view only" };
+    const FrameStatistics::Period shown = window.liveViewStatistics().takePeriod();
+    Run run { filters ? "Orvix, 9 filters, recording" : record ? "Orvix, live view on" : "Orvix, live view only" };
+    run.shownPerSecond = shown.shown / double(seconds);
+    run.renderMs = shown.meanRenderMs;
     if (record) {
         window.captureVideo();
         if (!QTest::qWaitFor([&] { return window.currentRecorder()->recorderState() == QMediaRecorder::StoppedState; }, 10000))
@@ -119,8 +139,10 @@ void print(const Run &run, const Run &reference)
     // The live view alone writes no file: no frame rate or bit rate to show.
     const QByteArray fps = run.bytes > 0 ? QByteArray::number(run.movie.framesPerSecond(), 'f', 2) : QByteArray("-");
     const QByteArray bitrate = run.bytes > 0 ? QByteArray::number(run.bytes * 8 / seconds / 1e6, 'f', 2) : QByteArray("-");
-    std::printf("| %-26s | %6s | %7.1f | %9.3f | %7.2f | %8s |\n", run.name, fps.constData(), seconds, cpuPerSecond,
-                cpuPerSecond / referenceCpu, bitrate.constData());
+    const QByteArray shown = run.shownPerSecond > 0 ? QByteArray::number(run.shownPerSecond, 'f', 1) : QByteArray("-");
+    const QByteArray render = run.shownPerSecond > 0 ? QByteArray::number(run.renderMs, 'f', 1) : QByteArray("-");
+    std::printf("| %-28s | %6s | %7.1f | %9.3f | %7.2f | %8s | %6s | %6s |\n", run.name, fps.constData(), seconds, cpuPerSecond,
+                cpuPerSecond / referenceCpu, bitrate.constData(), shown.constData(), render.constData());
 }
 }
 
@@ -153,13 +175,16 @@ int main(int argc, char *argv[])
     const Run reference = plainPipeline(folder.path() + QStringLiteral("/plain.mp4"), seconds);
     const Run live = program(folder.path(), std::max(5, seconds / 4), false);
     const Run recording = program(folder.path(), seconds, true);
+    const Run filtered = program(folder.path(), seconds, true, true);
 
-    std::printf("| %-26s | %6s | %7s | %9s | %7s | %8s |\n", "run", "fps", "seconds", "CPU s/s", "ratio", "Mbit/s");
-    std::printf("|%s|%s|%s|%s|%s|%s|\n", "----------------------------", "--------", "---------", "-----------",
-                "---------", "----------");
+    std::printf("| %-28s | %6s | %7s | %9s | %7s | %8s | %6s | %6s |\n", "run", "fps", "seconds", "CPU s/s", "ratio",
+                "Mbit/s", "shown", "render");
+    std::printf("|%s|%s|%s|%s|%s|%s|%s|%s|\n", "------------------------------", "--------", "---------", "-----------",
+                "---------", "----------", "--------", "--------");
     print(reference, reference);
     print(live, reference);
     print(recording, reference);
+    print(filtered, reference);
     std::printf("\nplain:   %s\nprogram: %s\n", qPrintable(reference.movie.describe()), qPrintable(recording.movie.describe()));
     return 0;
 }

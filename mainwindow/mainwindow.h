@@ -92,6 +92,8 @@ public:
     QCamera *currentCamera() const { return camera; }
     QAudioInput *currentAudioInput() const { return audioInput; }
     QMediaRecorder *currentRecorder() const { return recorder; }
+    // The live view's frame counts and drawing cost, for measurements.
+    FrameStatistics &liveViewStatistics() { return frameStatistics; }
     const PictureAdjustments &pictureAdjustments() const { return adjustments; }
     QList<QAction *> resolutionActionList() const { return resolutionActions; }
     QList<QAction *> rotationActionList() const { return rotationActions; }
