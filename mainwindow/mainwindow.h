@@ -344,7 +344,11 @@ private:
     QIODevice *audioSourceDevice = nullptr;
 
     OrvixDeviceWatchDogTask *watchDog = nullptr;
-    OrvixFileSplitTask *fileSplitTask = nullptr;
+    // The watcher of the file being written. It lets itself go as soon as it
+    // has said "split", on its own thread, so it is only ever reached
+    // through a guard, and its signal through the connection.
+    QPointer<OrvixFileSplitTask> fileSplitTask;
+    QMetaObject::Connection fileSplitConnection;
     QPointer<OrvixDelayTask> splitDelayTask; // the wait before the next file of a split
 
     // The recording guard: the file being written, and what was said of it.

@@ -215,7 +215,7 @@ void MainWindow::watchMovieFile(const QString &path)
 {
     abortFileSplitTask();
     fileSplitTask = new OrvixFileSplitTask(path, sizeLimit, nullptr);
-    connect(fileSplitTask, SIGNAL(splitFile()), this, SLOT(splitVideoFile()));
+    fileSplitConnection = connect(fileSplitTask, SIGNAL(splitFile()), this, SLOT(splitVideoFile()));
     OrvixBasicTask::runInThread(fileSplitTask);
 
     recordingMoviePath = path;
@@ -258,8 +258,6 @@ void MainWindow::splitVideoFile()
 {
     if (!recorder || recorder->recorderState() != QMediaRecorder::RecordingState)
         return;
-    if (fileSplitTask)
-        disconnect(fileSplitTask, SIGNAL(splitFile()), this, SLOT(splitVideoFile()));
     abortFileSplitTask();
     finishingMoviePath = std::exchange(recordingMoviePath, QString());
     recordingGuardTimer.stop();
@@ -325,10 +323,10 @@ void MainWindow::hideFocusRect()
 
 void MainWindow::abortFileSplitTask()
 {
-    if (!fileSplitTask)
-        return;
-    fileSplitTask->abort();
-    // It deletes itself with its thread.
+    disconnect(fileSplitConnection);
+    // It deletes itself with its thread; after a split it already has.
+    if (OrvixFileSplitTask *task = fileSplitTask.data())
+        task->abort();
     fileSplitTask = nullptr;
 }
 
