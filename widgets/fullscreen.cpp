@@ -1,4 +1,4 @@
-// The full-screen switch the live view and the image view share.
+// What the live view and the image view share.
 #include "fullscreen.h"
 
 #include <QWidget>
@@ -14,4 +14,14 @@ void switchFullScreen(QWidget *widget, bool fullScreen, quint32 &savedWindowType
         widget->setWindowFlags(Qt::WindowFlags((flags & ~quint32(0x13)) | savedWindowType));
         widget->showNormal();
     }
+}
+
+void setUpBlackSurface(QWidget *widget)
+{
+    widget->setAutoFillBackground(false);
+    widget->setAttribute(Qt::WA_NoSystemBackground, true);
+    QPalette palette = widget->palette();
+    palette.setColor(QPalette::Window, Qt::black);
+    widget->setPalette(palette);
+    widget->setSizePolicy(QSizePolicy::MinimumExpanding, QSizePolicy::MinimumExpanding);
 }

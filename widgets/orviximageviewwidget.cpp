@@ -9,12 +9,7 @@
 OrvixImageViewWidget::OrvixImageViewWidget(QWidget *parent)
     : QWidget(parent)
 {
-    setAutoFillBackground(false);
-    setAttribute(Qt::WA_NoSystemBackground, true);
-    QPalette palette = this->palette();
-    palette.setColor(QPalette::Window, Qt::black);
-    setPalette(palette);
-    setSizePolicy(QSizePolicy::MinimumExpanding, QSizePolicy::MinimumExpanding);
+    setUpBlackSurface(this);
 }
 
 OrvixImageViewWidget::~OrvixImageViewWidget() = default;

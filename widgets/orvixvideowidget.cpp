@@ -9,12 +9,7 @@
 OrvixVideoWidget::OrvixVideoWidget(OrvixFrameRenderer *owner, QWidget *parent)
     : QWidget(parent), owner(owner)
 {
-    setAutoFillBackground(false);
-    setAttribute(Qt::WA_NoSystemBackground, true);
-    QPalette palette = this->palette();
-    palette.setColor(QPalette::Window, Qt::black);
-    setPalette(palette);
-    setSizePolicy(QSizePolicy::MinimumExpanding, QSizePolicy::MinimumExpanding);
+    setUpBlackSurface(this);
 }
 
 OrvixVideoWidget::~OrvixVideoWidget() = default;
