@@ -100,8 +100,7 @@ int main(int argc, char *argv[])
     previousHandler = qInstallMessageHandler(collect);
 
     QString error;
-    const QString camera = VirtualDevices::cameraLine(QStringLiteral("Orvix Full HD Camera"),
-                                                      QStringLiteral("video/x-raw,format=YUY2,width=1920,height=1080,framerate=30/1"));
+    const QString camera = VirtualDevices::fullHdCamera();
     if (!devices.startAudio(&error) || !devices.addMicrophone(QStringLiteral("Orvix High Definition Mic II"), 440, &error)) {
         std::fprintf(stderr, "sound server: %s\n", qPrintable(error));
         return 2;
@@ -111,10 +110,7 @@ int main(int argc, char *argv[])
         std::fprintf(stderr, "the virtual camera did not appear\n");
         return 2;
     }
-    const QString root = devices.home() + QStringLiteral("/soak");
-    QDir().mkpath(root + QStringLiteral("/Movie"));
-    QDir().mkpath(root + QStringLiteral("/Image"));
-    QSettings().setValue(SettingsKeys::storageLocation, root);
+    const QString root = devices.makeStorageRoot(QStringLiteral("soak"));
     // The stored value with no entry of its own: a 2-byte limit, a new file
     // every second or two.
     QSettings().setValue(SettingsKeys::sizeLimit, 7);

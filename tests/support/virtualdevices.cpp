@@ -3,11 +3,14 @@
 // server with virtual microphones.
 #include "virtualdevices.h"
 
+#include "app/settingskeys.h"
+
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <QSettings>
 #include <QThread>
 
 #include <csignal>
@@ -142,4 +145,21 @@ QString VirtualDevices::usualCaps()
 QString VirtualDevices::cameraLine(const QString &description, const QString &caps)
 {
     return description + QLatin1Char('|') + (caps.isEmpty() ? usualCaps() : caps);
+}
+
+QString VirtualDevices::fullHdCamera()
+{
+    return cameraLine(QStringLiteral("Orvix Full HD Camera"),
+                      QStringLiteral("video/x-raw,format=YUY2,width=1920,height=1080,framerate=30/1"));
+}
+
+QString VirtualDevices::makeStorageRoot(const QString &name) const
+{
+    const QString root = home() + QLatin1Char('/') + name + QLatin1Char('/');
+    QDir().mkpath(root + QStringLiteral("Movie"));
+    QDir().mkpath(root + QStringLiteral("Image"));
+    QSettings settings;
+    settings.setValue(SettingsKeys::storageLocation, root);
+    settings.setValue(SettingsKeys::sizeLimit, 0);
+    return root;
 }

@@ -30,6 +30,12 @@ public:
     // 1080p and 720p at 30 fps, 1080p at 60, 640x480 at 25.
     static QString cameraLine(const QString &description, const QString &caps = QString());
     static QString usualCaps();
+    // The product's 1080p 30 fps camera, as recordings are tested with.
+    static QString fullHdCamera();
+
+    // A storage root under the private home, its Movie and Image folders
+    // made and stored as the program's root, with no size limit. Ends in "/".
+    QString makeStorageRoot(const QString &name) const;
 
     QString home() const { return root.path() + QStringLiteral("/home"); }
     QString documents() const { return home() + QStringLiteral("/Documents"); }

@@ -91,13 +91,10 @@ private slots:
         QString error;
         QVERIFY2(devices.startAudio(&error), qPrintable(error));
         QVERIFY2(devices.addMicrophone(QStringLiteral("Orvix High Definition Mic II"), 440, &error), qPrintable(error));
-        devices.setCameras({ VirtualDevices::cameraLine(QStringLiteral("Orvix Full HD Camera"),
-                                                        QStringLiteral("video/x-raw,format=YUY2,width=1920,height=1080,framerate=30/1")) });
+        devices.setCameras({ VirtualDevices::fullHdCamera() });
         QTRY_COMPARE_WITH_TIMEOUT(QMediaDevices::videoInputs().size(), 1, 5000);
-        root = devices.home() + QStringLiteral("/cases/");
-        QVERIFY(QDir().mkpath(root + QStringLiteral("Movie")) && QDir().mkpath(root + QStringLiteral("Image")));
-        QSettings().setValue(SettingsKeys::storageLocation, root);
-        QSettings().setValue(SettingsKeys::sizeLimit, 0);
+        root = devices.makeStorageRoot(QStringLiteral("cases"));
+        QVERIFY(QFileInfo(root + QStringLiteral("Movie")).isDir());
     }
 
     void recordBrowsePlayEditDelete()
