@@ -18,7 +18,7 @@
 
 #include "app/memorytuning.h"
 #include "referencefilters.h"
-#include "widgets/framefilters.h"
+#include "imaging/framefilters.h"
 
 namespace {
 // A busy picture: smooth colour fields, edges and sensor noise, so that the

@@ -106,13 +106,13 @@ Run program(const QString &root, int seconds, bool record, bool filters = false)
     }
     // Past the camera's start.
     QTest::qWait(2000);
-    window.liveViewStatistics().takePeriod();
+    window.liveView().statistics().takePeriod();
     const double cpuBefore = cpuSeconds();
     if (record)
         window.captureVideo();
     const QString path = window.recordingFile();
     QTest::qWait(seconds * 1000);
-    const FrameStatistics::Period shown = window.liveViewStatistics().takePeriod();
+    const FrameStatistics::Period shown = window.liveView().statistics().takePeriod();
     Run run { filters ? "Orvix, 9 filters, recording" : record ? "Orvix, live view on" : "Orvix, live view only" };
     run.shownPerSecond = shown.shown / double(seconds);
     run.renderMs = shown.meanRenderMs;

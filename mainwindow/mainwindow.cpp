@@ -49,7 +49,7 @@ MainWindow::MainWindow(QWidget *parent)
     readSettings();
     setupRecordingGuard();
 
-    startVideoThread();
+    startLiveView();
     discoverAvailableCameras();
     if (!availableCameras.isEmpty()) {
         setCamera(availableCameras.first());
@@ -72,19 +72,15 @@ MainWindow::MainWindow(QWidget *parent)
 
 MainWindow::~MainWindow()
 {
-    takeDownCamera();
-    delete recorder;
-    recorder = nullptr;
-    delete imageCapture;
-    imageCapture = nullptr;
-    delete audioInput;
-    audioInput = nullptr;
-    stopVideoThread();
-
+    deletePipeline();
     deleteAudioSource();
+    captureSession.setVideoSink(nullptr);
+    livePipeline.reset();
+
     delete audioInfo;
     audioInfo = nullptr;
-    delete audioSink;
+    if (audioSink)
+        audioSink->deleteLater();
     audioSink = nullptr;
     // The watchdog belongs to the scheduler.
 }
@@ -95,6 +91,20 @@ QSize MainWindow::initialSize() const
     const QSize preferred(1280, 760);
     const QScreen *screen = QGuiApplication::primaryScreen();
     return screen ? preferred.boundedTo(screen->availableSize()) : preferred;
+}
+
+void MainWindow::deletePipeline()
+{
+    // The camera leaves the session first, while the rest stands still (see
+    // takeDownCamera()).
+    takeDownCamera();
+    delete recorder;
+    recorder = nullptr;
+    delete imageCapture;
+    imageCapture = nullptr;
+    delete audioInput;
+    audioInput = nullptr;
+    livePipeline->clear();
 }
 
 void MainWindow::takeDownCamera()

@@ -12,7 +12,6 @@
 #include <QImageCapture>
 #include <QList>
 #include <QMainWindow>
-#include <QMutex>
 #include <QMediaCaptureSession>
 #include <QMediaRecorder>
 #include <QDeadlineTimer>
@@ -20,15 +19,14 @@
 #include <QModelIndex>
 #include <QPointer>
 #include <QStringList>
-#include <QThread>
 #include <QTimer>
 #include <QVideoFrame>
 #include <QVideoSink>
 
-#include "capture/framestatistics.h"
+#include "imaging/framefilters.h"
+#include "imaging/liveframepipeline.h"
 #include "mainwindow/recordingguard.h"
 #include "storage/recordinginformation.h"
-#include "widgets/framefilters.h"
 #include "widgets/orvixframerenderer.h"
 
 class QAction;
@@ -92,8 +90,8 @@ public:
     QCamera *currentCamera() const { return camera; }
     QAudioInput *currentAudioInput() const { return audioInput; }
     QMediaRecorder *currentRecorder() const { return recorder; }
-    // The live view's frame counts and drawing cost, for measurements.
-    FrameStatistics &liveViewStatistics() { return frameStatistics; }
+    // The live view's frame path: its counts and costs, for measurements.
+    LiveFramePipeline &liveView() { return *livePipeline; }
     const PictureAdjustments &pictureAdjustments() const { return adjustments; }
     QList<QAction *> resolutionActionList() const { return resolutionActions; }
     QList<QAction *> rotationActionList() const { return rotationActions; }
@@ -243,13 +241,12 @@ private:
     void setupLevelMeter();
     void deleteAudioSource();
     void readMicrophoneLevel();
+    // The running camera's part of the session, taken down and forgotten.
     void deletePipeline();
     void showWaitingPage();
-    void startVideoThread();
+    void startLiveView();
     void logFrameStatistics();
-    void stopVideoThread();
-    void postFrame(const QVideoFrame &frame);
-    void takeNewestFrame();
+    void adjustmentsChanged();
     void restartCamera(const QCameraFormat &format);
     void awaitSettledFormat();
     void formatSettled();
@@ -300,14 +297,8 @@ private:
     void buildDeviceDialog();
 
     // Capture pipeline; the by-value members in the order they are made.
-    // Made and deleted on videoThread (see startVideoThread).
-    QVideoSink *videoSink = nullptr;
-    QThread videoThread;
-    QObject *videoThreadContext = nullptr;
-    // The newest frame from the video thread, waiting for this one.
-    QMutex newestFrameLock;
-    QVideoFrame newestFrame;
-    bool newestFrameWaiting = false;
+    // The video sink and the render work, on threads of their own.
+    std::unique_ptr<LiveFramePipeline> livePipeline;
     QAudioDevice audioOutputDevice;
     QVideoFrame currentFrame;
     QStringList recognisedNames;
@@ -357,7 +348,6 @@ private:
     QString lastRecorderError;
     RecordingGuard recordingGuard;
     QTimer recordingGuardTimer;
-    FrameStatistics frameStatistics;
     QTimer perfLogTimer;
     QElapsedTimer recordingClock;
     bool spaceLowWarned = false;

@@ -23,7 +23,6 @@
 #include "capture/audioinfo.h"
 #include "capture/devicerecognition.h"
 #include "widgets/animationlabel.h"
-#include "widgets/frameconversion.h"
 #include "widgets/orvixvideowidget.h"
 #include "widgets/waitingforcamerawidget.h"
 
@@ -85,13 +84,7 @@ void MainWindow::cameraDropped(QList<QCameraDevice> droppedCameras)
         }
         recordingAnimationLabel->toggle(false);
         videoCaptureButton->setChecked(false);
-        takeDownCamera();
-        delete recorder;
-        recorder = nullptr;
-        delete imageCapture;
-        imageCapture = nullptr;
-        delete audioInput;
-        audioInput = nullptr;
+        deletePipeline();
         startedCameraDevice = QCameraDevice();
 
         stopMediaPlayer();
@@ -110,15 +103,7 @@ void MainWindow::showWaitingPage()
 
 void MainWindow::setCamera(QCameraDevice cameraInfo)
 {
-    // The camera leaves the session first, while the rest stands still (see
-    // takeDownCamera()).
-    takeDownCamera();
-    delete recorder;
-    recorder = nullptr;
-    delete imageCapture;
-    imageCapture = nullptr;
-    delete audioInput;
-    audioInput = nullptr;
+    deletePipeline();
 
     // Of several qualifying microphones the last in the system's order wins;
     // one picked in the record device dialog wins while it is attached.
@@ -150,7 +135,7 @@ void MainWindow::setCamera(QCameraDevice cameraInfo)
     if (!startFormats.isEmpty())
         camera->setCameraFormat(startFormats.first());
 
-    captureSession.setVideoSink(videoSink);
+    captureSession.setVideoSink(livePipeline->videoSink());
 
     if (audioInput) {
         connect(audioInput, SIGNAL(volumeChanged(float )), this, SLOT(updateAudioOutVolum(float)));
@@ -229,8 +214,12 @@ void MainWindow::setupLevelMeter()
     // device would otherwise open the system's default input.
     if (!chosenMicrophone.isNull())
         audioSource = new QAudioSource(chosenMicrophone, format);
+    else
+        levelMeterLabel->climbTo(0);
     audioInfo->start();
-    delete audioSink;
+    // Like the source, Qt's sink runs the event loop in its destructor.
+    if (audioSink)
+        audioSink->deleteLater();
     audioSink = new QAudioSink(audioOutputDevice, format);
     if (audioSource)
         audioSourceDevice = audioSource->start();
@@ -242,15 +231,17 @@ void MainWindow::setupLevelMeter()
 
 void MainWindow::deleteAudioSource()
 {
-    // Qt's PulseAudio source posts itself a call for every block it reads.
-    // One still waiting when the source closes reads a stream that is gone
-    // and aborts the program; delivered first, it reads one that is there.
-    if (audioSourceDevice)
-        QObject::disconnect(audioSourceDevice, &QIODevice::readyRead, nullptr, nullptr);
+    // Stopped, Qt's PulseAudio source ignores a read it had queued for
+    // itself (run later, that read used a stream that was gone, and
+    // aborted). Its destructor runs the event loop once, which in the middle
+    // of a set-up or a teardown would deliver any queued call, the
+    // watchdog's included: it is deleted later, from the loop itself.
     audioSourceDevice = nullptr;
-    if (audioSource)
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::MetaCall);
-    delete audioSource;
+    if (!audioSource)
+        return;
+    audioSource->disconnect(this);
+    audioSource->stop();
+    audioSource->deleteLater();
     audioSource = nullptr;
 }
 
@@ -302,39 +293,22 @@ void MainWindow::fillResolutionMenu()
     }
 }
 
-void MainWindow::startVideoThread()
+void MainWindow::startLiveView()
 {
-    // Qt's video sink hands its start and every frame to the thread it was
-    // made on, and waits: a second at most for the start, then it gives up
-    // for good and the live view stays stuck. On this thread any camera
-    // start or busy moment risked that; on a thread of its own it is served
-    // at once, and frames reach this thread as posted events.
-    videoThread.setObjectName(QStringLiteral("OrvixVideo"));
-    videoThread.start();
+    livePipeline = std::make_unique<LiveFramePipeline>();
+    livePipeline->setRotationMode(rotationMode);
+    livePipeline->setAdjustments(adjustments);
+    connect(livePipeline.get(), &LiveFramePipeline::pictureReady, this, &MainWindow::handleVideoFrame);
     if (lcPerf().isInfoEnabled()) {
         perfLogTimer.setInterval(10000);
         connect(&perfLogTimer, &QTimer::timeout, this, &MainWindow::logFrameStatistics);
         perfLogTimer.start();
     }
-    videoThreadContext = new QObject;
-    videoThreadContext->moveToThread(&videoThread);
-    QMetaObject::invokeMethod(videoThreadContext, [this] {
-        videoSink = new QVideoSink;
-        connect(videoSink, &QVideoSink::videoFrameChanged, videoSink, [this](const QVideoFrame &frame) { postFrame(frame); },
-                Qt::DirectConnection);
-    }, Qt::BlockingQueuedConnection);
 }
 
-void MainWindow::stopVideoThread()
+void MainWindow::adjustmentsChanged()
 {
-    QMetaObject::invokeMethod(videoThreadContext, [this] {
-        delete videoSink;
-        videoSink = nullptr;
-        delete videoThreadContext;
-        videoThreadContext = nullptr;
-    }, Qt::BlockingQueuedConnection);
-    videoThread.quit();
-    videoThread.wait();
+    livePipeline->setAdjustments(adjustments);
 }
 
 // Stops the camera, gives it the format (if any) and starts it again. The
@@ -371,58 +345,32 @@ void MainWindow::formatSettled()
         restartCamera(std::exchange(queuedFormat, QCameraFormat()));
 }
 
-// On the video thread: only the newest frame waits, so a busy window skips
-// frames instead of queuing them.
-void MainWindow::postFrame(const QVideoFrame &frame)
-{
-    frameStatistics.frameReceived();
-    QMutexLocker locker(&newestFrameLock);
-    newestFrame = frame;
-    if (newestFrameWaiting)
-        return;
-    newestFrameWaiting = true;
-    QMetaObject::invokeMethod(this, &MainWindow::takeNewestFrame, Qt::QueuedConnection);
-}
-
-void MainWindow::takeNewestFrame()
-{
-    QVideoFrame frame;
-    {
-        QMutexLocker locker(&newestFrameLock);
-        frame = std::exchange(newestFrame, QVideoFrame());
-        newestFrameWaiting = false;
-    }
-    handleVideoFrame(frame);
-}
-
 void MainWindow::handleVideoFrame(QVideoFrame videoframe)
 {
     if (formatSettling && (settlingSize.isEmpty() || videoframe.size() == settlingSize))
         formatSettled();
-    // Only the newest frame is kept; a burst between two paints costs assignments.
+    // The render thread has made this frame's picture; the paint shows it.
     currentFrame = videoframe;
     videoWidget->update();
 }
 
+// The picture arrives finished from the render thread: painting it is a copy.
 void MainWindow::renderFrame(QPainter &painter)
 {
-    QVideoFrame frame = currentFrame;
-    if (!frame.map(QVideoFrame::ReadOnly))
-        return;
-    QElapsedTimer cost;
-    cost.start();
-    QImage image = FrameConversion::toImage(frame);
-    image = FrameFilters::orient(image, rotationMode);
-    FrameFilters::adjust(image, adjustments);
     const QRect target = FrameFilters::targetRect(videoWidget->size());
-    painter.drawImage(target, image, QRect(0, 0, image.width(), image.height()));
-    frame.unmap();
-    frameStatistics.frameShown(cost.nsecsElapsed());
+    livePipeline->setTargetSize(target.size());
+    const LiveFramePipeline::Picture picture = livePipeline->takePicture();
+    if (picture.image.isNull())
+        return;
+    if (picture.image.size() == target.size())
+        painter.drawImage(target.topLeft(), picture.image);
+    else
+        painter.drawImage(target, picture.image, picture.image.rect());
 }
 
 void MainWindow::logFrameStatistics()
 {
-    const FrameStatistics::Period period = frameStatistics.takePeriod();
+    const FrameStatistics::Period period = livePipeline->statistics().takePeriod();
     qCInfo(lcPerf, "live view, last %d s: %d frames received, %d shown, %d skipped; render mean %.1f ms, worst %.1f ms",
            int(perfLogTimer.interval() / 1000), period.received, period.shown, period.skipped, period.meanRenderMs,
            period.worstRenderMs);

@@ -176,6 +176,7 @@ void MainWindow::autoClicked(int row)
         return;
     }
     adjustments.*colorRows[row].value = 0;
+    adjustmentsChanged();
     slider->setValue(0);
     button->setStyleSheet(autoOnStyle);
     slider->setEnabled(false);
@@ -203,6 +204,7 @@ void MainWindow::setColorDefault()
         adjustments.*colorRows[i].value = 0;
         colorSliders[i]->setValue(0);
     }
+    adjustmentsChanged();
     hz50Box->setChecked(false);
     hz60Box->setChecked(true);
 }
@@ -361,14 +363,14 @@ void MainWindow::help()
         QDesktopServices::openUrl(QUrl::fromLocalFile(manual));
 }
 
-void MainWindow::setBrightness(int value) { adjustments.brightness = value; }
-void MainWindow::setContrast(int value) { adjustments.contrast = value; }
-void MainWindow::setHue(int value) { adjustments.hue = value; }
-void MainWindow::setStaturation(int value) { adjustments.saturation = value; }
-void MainWindow::setWhiteBal(int value) { adjustments.whiteBalance = value; }
-void MainWindow::setGamma(int value) { adjustments.gamma = value; }
-void MainWindow::setBacklight(int value) { adjustments.backlight = value; }
-void MainWindow::setGain(int value) { adjustments.gain = value; }
-void MainWindow::setColorEnabel(int value) { adjustments.colorEnable = value; }
-void MainWindow::setSharpness(int value) { adjustments.sharpness = value; }
-void MainWindow::setExposure(int value) { adjustments.exposure = value; }
+void MainWindow::setBrightness(int value) { adjustments.brightness = value; adjustmentsChanged(); }
+void MainWindow::setContrast(int value) { adjustments.contrast = value; adjustmentsChanged(); }
+void MainWindow::setHue(int value) { adjustments.hue = value; adjustmentsChanged(); }
+void MainWindow::setStaturation(int value) { adjustments.saturation = value; adjustmentsChanged(); }
+void MainWindow::setWhiteBal(int value) { adjustments.whiteBalance = value; adjustmentsChanged(); }
+void MainWindow::setGamma(int value) { adjustments.gamma = value; adjustmentsChanged(); }
+void MainWindow::setBacklight(int value) { adjustments.backlight = value; adjustmentsChanged(); }
+void MainWindow::setGain(int value) { adjustments.gain = value; adjustmentsChanged(); }
+void MainWindow::setColorEnabel(int value) { adjustments.colorEnable = value; adjustmentsChanged(); }
+void MainWindow::setSharpness(int value) { adjustments.sharpness = value; adjustmentsChanged(); }
+void MainWindow::setExposure(int value) { adjustments.exposure = value; adjustmentsChanged(); }

@@ -163,6 +163,7 @@ void MainWindow::resolutionTo4th()
 void MainWindow::applyRotation(int mode)
 {
     rotationMode = mode;
+    livePipeline->setRotationMode(mode);
     for (int i = 0; i < rotationActions.size(); ++i)
         rotationActions[i]->setChecked(i == mode);
 }

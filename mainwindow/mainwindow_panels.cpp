@@ -264,6 +264,9 @@ void MainWindow::setupVolumeFrame()
     levelMeterLabel->setContentsMargins(0, 0, 0, 2);
     levelMeterLabel->loadFrames(QStringLiteral(":/res/Ani/levels"), 6, false);
     levelMeterLabel->start();
+    // Unguided, the meter would cycle its frames as if it heard a full-scale
+    // signal: it rests on its first frame until a microphone gives a level.
+    levelMeterLabel->climbTo(0);
     meterLayout->addWidget(levelMeterLabel);
 }
 

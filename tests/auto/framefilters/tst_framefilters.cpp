@@ -9,9 +9,10 @@
 #include <QVideoSink>
 
 #include "orvixtest.h"
-#include "widgets/frameconversion.h"
+#include "imaging/frameconversion.h"
 #include "referencefilters.h"
-#include "widgets/framefilters.h"
+#include "imaging/framefilters.h"
+#include "imaging/liveframepipeline.h"
 
 namespace {
 // Pixels as stored, with the alpha the renderer will draw.
@@ -473,6 +474,73 @@ private slots:
         image.setPixel(2, 1, qRgb(255, 255, 0));
         const QImage turned = FrameFilters::orient(image, mode);
         QCOMPARE(QList<QRgb>({ turned.pixel(0, 0), turned.pixel(2, 0), turned.pixel(0, 1), turned.pixel(2, 1) }), corners);
+    }
+
+    // The render thread makes a picture of the newest frame only, and no
+    // next one until the last has been taken: a slow window skips frames
+    // instead of queuing them.
+    void pipelineRendersTheNewestFrameOnly()
+    {
+        const auto flatFrame = [](int luma) {
+            QVideoFrame frame(QVideoFrameFormat(QSize(64, 36), QVideoFrameFormat::Format_YUYV));
+            frame.map(QVideoFrame::WriteOnly);
+            uchar *bits = frame.bits(0);
+            for (int i = 0; i < frame.mappedBytes(0); i += 2) {
+                bits[i] = uchar(luma);
+                bits[i + 1] = 128;
+            }
+            frame.unmap();
+            return frame;
+        };
+        PictureAdjustments values;
+        values.brightness = 30;
+        values.whiteBalance = -20;
+        const auto expectedColour = [&](const QVideoFrame &source) {
+            QVideoFrame frame = source;
+            frame.map(QVideoFrame::ReadOnly);
+            const QImage image = FrameConversion::toImage(frame);
+            frame.unmap();
+            return ReferenceFilters::warmth(ReferenceFilters::brightness(image, 30), -20).pixel(0, 0);
+        };
+
+        LiveFramePipeline pipeline;
+        pipeline.setRotationMode(1);
+        pipeline.setAdjustments(values);
+        pipeline.setTargetSize(QSize(32, 18));
+        int ready = 0;
+        connect(&pipeline, &LiveFramePipeline::pictureReady, this, [&] { ++ready; }, Qt::QueuedConnection);
+
+        QList<QVideoFrame> frames;
+        for (int i = 0; i < 5; ++i)
+            frames << flatFrame(40 + 30 * i);
+        pipeline.videoSink()->setVideoFrame(frames[0]);
+        QTRY_COMPARE(ready, 1);
+        for (int i = 1; i < 5; ++i)
+            pipeline.videoSink()->setVideoFrame(frames[i]);
+        QTest::qWait(100);
+        QCOMPARE(ready, 1);
+
+        const LiveFramePipeline::Picture first = pipeline.takePicture();
+        QCOMPARE(first.image.size(), QSize(32, 18));
+        QCOMPARE(first.frameSize, QSize(64, 36));
+        QCOMPARE(first.image.pixel(5, 5), expectedColour(frames[0]));
+        QTRY_COMPARE(ready, 2);
+        const LiveFramePipeline::Picture newest = pipeline.takePicture();
+        QCOMPARE(newest.serial, first.serial + 1);
+        QCOMPARE(newest.image.pixel(5, 5), expectedColour(frames[4]));
+        // Taken twice, a picture counts once; nothing is left to render.
+        QCOMPARE(pipeline.takePicture().serial, newest.serial);
+        QTest::qWait(100);
+        QCOMPARE(ready, 2);
+
+        const FrameStatistics::Period period = pipeline.statistics().takePeriod();
+        QCOMPARE(period.received, 5);
+        QCOMPARE(period.shown, 2);
+        QCOMPARE(period.skipped, 3);
+
+        // A camera gone leaves no picture behind.
+        pipeline.clear();
+        QVERIFY(pipeline.takePicture().image.isNull());
     }
 
 private:

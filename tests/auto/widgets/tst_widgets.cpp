@@ -4,7 +4,7 @@
 
 #include "orvixtest.h"
 #include "widgets/animationlabel.h"
-#include "widgets/framefilters.h"
+#include "imaging/framefilters.h"
 #include "widgets/orviximageviewwidget.h"
 #include "widgets/waitingforcamerawidget.h"
 

@@ -7,6 +7,7 @@
 #include <QDeadlineTimer>
 #include <QMediaDevices>
 #include <QPushButton>
+#include <QSet>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QSlider>
@@ -17,9 +18,10 @@
 #include "capture/orvixdevicewatchdogtask.h"
 #include "mainwindow/mainwindow.h"
 #include "orvixtest.h"
+#include "referencefilters.h"
 #include "screenshots.h"
 #include "widgets/animationlabel.h"
-#include "widgets/framefilters.h"
+#include "imaging/framefilters.h"
 #include "widgets/orvixvideowidget.h"
 
 namespace {
@@ -201,6 +203,11 @@ private slots:
         QCOMPARE(page(window), 0);
         QVERIFY(invalid(window));
         QVERIFY(!window.isCameraLive());
+        // No microphone, no level: the meter rests on its first frame.
+        for (int step = 0; step < 8; ++step) {
+            QTest::qWait(100);
+            QCOMPARE(window.levelMeter()->currentFrame(), 0);
+        }
 
         devices.setCameras({ VirtualDevices::cameraLine(webcam) });
         QTest::qWait(3500);
@@ -403,6 +410,16 @@ private slots:
         QCOMPARE(window.currentAudioInput()->device().description(), QStringLiteral("ORVIX HIGH DEFINITION MIC II rear"));
         // The sine drives the meter above its resting frame.
         QTRY_VERIFY_WITH_TIMEOUT(window.levelMeter()->stopAtFrame() >= 1, 15000);
+
+        // A set-up replaces the meter's source without delivering what was
+        // queued meanwhile, such as the watchdog's reports, halfway through.
+        bool delivered = false;
+        QMetaObject::invokeMethod(&window, [&] { delivered = true; }, Qt::QueuedConnection);
+        window.setCamera(window.runningCameraDevice());
+        QVERIFY(!delivered);
+        QTRY_VERIFY(delivered);
+        window.levelMeter()->climbTo(0);
+        QTRY_VERIFY_WITH_TIMEOUT(window.levelMeter()->stopAtFrame() >= 1, 15000);
     }
 
     void volumeAndMute()
@@ -431,6 +448,9 @@ private slots:
         QVERIFY(!window.levelMeter()->isHidden());
     }
 
+    // What the filters must do, by the literal per-pixel reference: every
+    // colour bar of the camera's test pattern adjusted, and the picture
+    // flipped top to bottom.
     void picturesWithFiltersOn()
     {
         devices.setCameras({ VirtualDevices::cameraLine(fullHd) });
@@ -440,17 +460,39 @@ private slots:
         QVERIFY(QTest::qWaitForWindowExposed(&window));
         const QImage plain = settledPicture(window);
         QVERIFY(showsPicture(plain));
+        const int barY = plain.height() / 5;
+        QList<QRgb> bars;
+        for (int bar = 0; bar < 7; ++bar)
+            bars << plain.pixel((2 * bar + 1) * plain.width() / 14, barY);
+        QCOMPARE(QSet<QRgb>(bars.begin(), bars.end()).size(), 7);
+
         window.setBrightness(20);
         window.setContrast(-150);
         window.setGamma(-20);
         window.setStaturation(-40);
         window.setWhiteBal(20);
         window.rotationMirror();
-        QImage adjusted;
-        QTRY_VERIFY_WITH_TIMEOUT(showsPicture(adjusted = livePicture(window)), 5000);
-        QCOMPARE(adjusted.size(), plain.size());
-        // Warmer and paler: more red than blue where the plain picture is grey.
-        QVERIFY(adjusted != plain);
+        const auto adjusted = [](QRgb colour) {
+            QImage pixel(1, 1, QImage::Format_RGB32);
+            pixel.setPixel(0, 0, colour);
+            pixel = ReferenceFilters::brightness(pixel, 20);
+            pixel = ReferenceFilters::contrast(pixel, -150);
+            pixel = ReferenceFilters::gamma(pixel, -20);
+            pixel = ReferenceFilters::saturation(pixel, -40);
+            return ReferenceFilters::warmth(pixel, 20).pixel(0, 0);
+        };
+        QStringList mismatches;
+        const auto adjustedAndFlipped = [&](const QImage &picture) {
+            mismatches.clear();
+            for (int bar = 0; bar < 7; ++bar) {
+                const QRgb shown = picture.pixel((2 * bar + 1) * picture.width() / 14, picture.height() - 1 - barY);
+                if (shown != adjusted(bars[bar]))
+                    mismatches << QStringLiteral("bar %1 shows %2, not %3").arg(bar).arg(shown, 8, 16).arg(adjusted(bars[bar]), 8, 16);
+            }
+            return mismatches.isEmpty();
+        };
+        QVERIFY2(QTest::qWaitFor([&] { return adjustedAndFlipped(livePicture(window)); }, 5000),
+                 qPrintable(mismatches.join(QStringLiteral("; "))));
         saveScreenshot(&window, QStringLiteral("live-filters"));
     }
 

@@ -18,6 +18,7 @@
 
 #include <QColor>
 #include <QMutex>
+#include <QPainter>
 #include <QTransform>
 
 #include "framefilterkernels.h"
@@ -578,6 +579,15 @@ QRect targetRect(const QSize &widget)
         return QRect((width - w) / 2, 0, w, height);
     }
     return QRect(0, (height - c) >> 1, width, c);
+}
+
+QImage scaledForView(const QImage &image, const QSize &size)
+{
+    QImage scaled(size, QImage::Format_RGB32);
+    QPainter painter(&scaled);
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    painter.drawImage(QRect(QPoint(0, 0), size), image, image.rect());
+    return scaled;
 }
 
 } // namespace FrameFilters

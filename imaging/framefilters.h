@@ -78,4 +78,8 @@ QRgb hslToRgb(int hue, int saturation, int lightness);
 // The centred 16:9 rectangle of a widget of this size.
 QRect targetRect(const QSize &widget);
 
+// The picture scaled to the view's rectangle as the view itself would draw
+// it (no smoothing), opaque, so that the view copies it without blending.
+QImage scaledForView(const QImage &image, const QSize &size);
+
 } // namespace FrameFilters

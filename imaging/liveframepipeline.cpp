@@ -1,0 +1,145 @@
+// The live view's frame path, off the user-interface thread.
+#include "liveframepipeline.h"
+
+#include <utility>
+
+#include <QElapsedTimer>
+#include <QVideoSink>
+
+#include "imaging/frameconversion.h"
+
+LiveFramePipeline::LiveFramePipeline(QObject *parent)
+    : QObject(parent)
+{
+    // Qt's video sink hands its start and every frame to the thread it was
+    // made on, and waits: a second at most for the start, then it gives up
+    // for good and the live view stays stuck. This thread does nothing but
+    // take the frame, so it answers at once however busy the rest is.
+    videoThread.setObjectName(QStringLiteral("OrvixVideo"));
+    renderThread.setObjectName(QStringLiteral("OrvixRender"));
+    videoThread.start();
+    renderThread.start();
+    videoContext = new QObject;
+    videoContext->moveToThread(&videoThread);
+    renderContext = new QObject;
+    renderContext->moveToThread(&renderThread);
+    QMetaObject::invokeMethod(videoContext, [this] {
+        sink = new QVideoSink;
+        connect(sink, &QVideoSink::videoFrameChanged, sink, [this](const QVideoFrame &frame) { frameArrived(frame); },
+                Qt::DirectConnection);
+    }, Qt::BlockingQueuedConnection);
+}
+
+LiveFramePipeline::~LiveFramePipeline()
+{
+    QMetaObject::invokeMethod(videoContext, [this] {
+        delete sink;
+        sink = nullptr;
+        delete videoContext;
+        videoContext = nullptr;
+    }, Qt::BlockingQueuedConnection);
+    videoThread.quit();
+    videoThread.wait();
+    // A render still queued runs before the thread ends; nothing waits for it.
+    renderThread.quit();
+    renderThread.wait();
+    delete renderContext;
+}
+
+void LiveFramePipeline::setRotationMode(int mode)
+{
+    QMutexLocker locker(&lock);
+    rotationMode = mode;
+}
+
+void LiveFramePipeline::setAdjustments(const PictureAdjustments &values)
+{
+    QMutexLocker locker(&lock);
+    adjustments = values;
+}
+
+void LiveFramePipeline::setTargetSize(const QSize &size)
+{
+    QMutexLocker locker(&lock);
+    targetSize = size;
+}
+
+// On the video thread: only the newest frame waits, so a busy render or
+// window skips frames instead of queuing them.
+void LiveFramePipeline::frameArrived(const QVideoFrame &frame)
+{
+    frameStatistics.frameReceived();
+    QMutexLocker locker(&lock);
+    newestFrame = frame;
+    if (renderPending || !pictureTaken)
+        return;
+    renderPending = true;
+    QMetaObject::invokeMethod(renderContext, [this] { renderNewest(); }, Qt::QueuedConnection);
+}
+
+void LiveFramePipeline::renderNewest()
+{
+    QVideoFrame frame;
+    int rotation;
+    PictureAdjustments values;
+    QSize size;
+    quint64 startedIn;
+    {
+        QMutexLocker locker(&lock);
+        startedIn = generation;
+        frame = std::exchange(newestFrame, QVideoFrame());
+        rotation = rotationMode;
+        values = adjustments;
+        size = targetSize;
+    }
+    QElapsedTimer cost;
+    cost.start();
+    QImage image;
+    if (frame.map(QVideoFrame::ReadOnly)) {
+        image = FrameConversion::toImage(frame);
+        frame.unmap();
+    }
+    if (image.isNull()) {
+        QMutexLocker locker(&lock);
+        renderPending = false;
+        return;
+    }
+    image = FrameFilters::orient(image, rotation);
+    FrameFilters::adjust(image, values);
+    if (!size.isEmpty() && size != image.size())
+        image = FrameFilters::scaledForView(image, size);
+    frameStatistics.frameRendered(cost.nsecsElapsed());
+    {
+        QMutexLocker locker(&lock);
+        renderPending = false;
+        // A camera that went away meanwhile leaves no picture behind.
+        if (startedIn != generation)
+            return;
+        newestPicture = { std::move(image), frame.size(), nextSerial++ };
+        pictureTaken = false;
+    }
+    emit pictureReady(frame);
+}
+
+LiveFramePipeline::Picture LiveFramePipeline::takePicture()
+{
+    QMutexLocker locker(&lock);
+    if (!pictureTaken) {
+        pictureTaken = true;
+        frameStatistics.frameShown();
+        if (newestFrame.isValid() && !renderPending) {
+            renderPending = true;
+            QMetaObject::invokeMethod(renderContext, [this] { renderNewest(); }, Qt::QueuedConnection);
+        }
+    }
+    return newestPicture;
+}
+
+void LiveFramePipeline::clear()
+{
+    QMutexLocker locker(&lock);
+    newestFrame = QVideoFrame();
+    newestPicture = Picture();
+    pictureTaken = true;
+    ++generation;
+}
