@@ -168,4 +168,5 @@ void OrvixSingleApplication::activateWindow()
     activationWindow->show();
     activationWindow->raise();
     activationWindow->activateWindow();
+    qCDebug(lcApp) << "single instance: brought forward" << activationWindow->objectName();
 }

@@ -70,6 +70,10 @@ void LiveFramePipeline::frameArrived(const QVideoFrame &frame)
 {
     frameStatistics.frameReceived();
     QMutexLocker locker(&lock);
+    if (watching && (watchedSize.isEmpty() || frame.size() == watchedSize)) {
+        watching = false;
+        emit frameSeen(frame.size());
+    }
     newestFrame = frame;
     if (renderPending || !pictureTaken)
         return;
@@ -133,6 +137,13 @@ LiveFramePipeline::Picture LiveFramePipeline::takePicture()
         }
     }
     return newestPicture;
+}
+
+void LiveFramePipeline::watchForFrame(const QSize &size)
+{
+    QMutexLocker locker(&lock);
+    watching = true;
+    watchedSize = size;
 }
 
 void LiveFramePipeline::clear()

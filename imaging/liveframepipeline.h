@@ -47,12 +47,16 @@ public:
     Picture takePicture();
     // Forgets the newest frame and picture, for a camera that went away.
     void clear();
+    // Says once, with frameSeen(), when a frame of this size (of any size if
+    // empty) arrives, whether or not anyone looks at the pictures.
+    void watchForFrame(const QSize &size);
 
     FrameStatistics &statistics() { return frameStatistics; }
 
 signals:
     // A new picture is ready to take; queued to the receiver.
     void pictureReady(const QVideoFrame &frame);
+    void frameSeen(const QSize &size);
 
 private:
     void frameArrived(const QVideoFrame &frame);
@@ -75,4 +79,6 @@ private:
     int rotationMode = 0;
     PictureAdjustments adjustments;
     QSize targetSize;
+    bool watching = false;
+    QSize watchedSize;
 };

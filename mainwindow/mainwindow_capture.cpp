@@ -299,6 +299,11 @@ void MainWindow::startLiveView()
     livePipeline->setRotationMode(rotationMode);
     livePipeline->setAdjustments(adjustments);
     connect(livePipeline.get(), &LiveFramePipeline::pictureReady, this, &MainWindow::handleVideoFrame);
+    // A stale report, from before the last restart, must not settle this one.
+    connect(livePipeline.get(), &LiveFramePipeline::frameSeen, this, [this](const QSize &size) {
+        if (formatSettling && (settlingSize.isEmpty() || size == settlingSize))
+            formatSettled();
+    });
     if (lcPerf().isInfoEnabled()) {
         perfLogTimer.setInterval(10000);
         connect(&perfLogTimer, &QTimer::timeout, this, &MainWindow::logFrameStatistics);
@@ -334,6 +339,7 @@ void MainWindow::awaitSettledFormat()
 {
     formatSettling = true;
     settlingSize = camera->cameraFormat().resolution();
+    livePipeline->watchForFrame(settlingSize);
     formatSettleTimer.start();
 }
 
@@ -347,8 +353,6 @@ void MainWindow::formatSettled()
 
 void MainWindow::handleVideoFrame(QVideoFrame videoframe)
 {
-    if (formatSettling && (settlingSize.isEmpty() || videoframe.size() == settlingSize))
-        formatSettled();
     // The render thread has made this frame's picture; the paint shows it.
     currentFrame = videoframe;
     videoWidget->update();

@@ -7,6 +7,10 @@
 // opens, and the log holds no warning beyond the designed ones.
 // Usage: orvix_soak [minutes, default 30]
 #include <cstdio>
+#include <cstdlib>
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
 
 #include <QApplication>
 #include <QDir>
@@ -56,13 +60,20 @@ long statusField(const char *field)
 struct Sample
 {
     long rssKb = 0;
+    // What the C library's heaps hold in use; RSS beyond it is kept free memory.
+    double heapInUseMb = 0;
     long threads = 0;
     qsizetype descriptors = 0;
 };
 
 Sample sample()
 {
-    return { statusField("VmRSS:"), statusField("Threads:"),
+#if defined(__GLIBC__)
+    const double inUse = mallinfo2().uordblks / 1048576.0;
+#else
+    const double inUse = 0;
+#endif
+    return { statusField("VmRSS:"), inUse, statusField("Threads:"),
              QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::System).size() };
 }
 
@@ -199,10 +210,11 @@ int main(int argc, char *argv[])
     const Sample last = samples.size() > 2 ? samples.at(samples.size() - 2) : samples.constLast();
     std::printf("\nsoak of %.1f minutes: %d camera unplugs (%d recordings started again), %d snapshots, filters switched every 10 s\n",
                 clock.elapsed() / 60000.0, unplugs, restarts, snapshots);
-    std::printf("| minute | RSS MB | threads | descriptors |\n|---|---|---|---|\n");
+    std::printf("| minute | RSS MB | heap in use MB | threads | descriptors |\n|---|---|---|---|---|\n");
     for (int i = 0; i < samples.size(); ++i)
-        std::printf("| %d | %.1f | %ld | %lld |\n", i + 1 == samples.size() ? int(minutes) : i + 1,
-                    samples[i].rssKb / 1024.0, samples[i].threads, qint64(samples[i].descriptors));
+        std::printf("| %s | %.1f | %.1f | %ld | %lld |\n",
+                    qPrintable(i + 1 == samples.size() ? QStringLiteral("end") : QString::number(i + 1)),
+                    samples[i].rssKb / 1024.0, samples[i].heapInUseMb, samples[i].threads, qint64(samples[i].descriptors));
     std::printf("movies %d (unplayable %d, without information %d), snapshots %lld (unreadable %d), warnings %lld\n",
                 movies, unplayable, withoutInformation, qint64(images.size()), unreadable, qint64(warnings.size()));
     for (const QString &warning : std::as_const(warnings))

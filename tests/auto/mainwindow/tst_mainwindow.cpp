@@ -130,6 +130,10 @@ void clearSettings()
 }
 }
 
+// The user's settings file, addressed by the literal keys a stored file has
+// (not through the program's own constants, so a misspelt one shows).
+#define STORED_FILE QSettings(devices.settingsFile(), QSettings::IniFormat)
+
 class tst_MainWindow : public QObject
 {
     Q_OBJECT
@@ -151,9 +155,12 @@ private slots:
 
     void constructionWithoutCamera()
     {
-        QSettings().setValue(SettingsKeys::doctorName, QStringLiteral("Dr. Ada Lind"));
-        QSettings().setValue(SettingsKeys::hospitalName, QStringLiteral("St. Clara"));
-        QSettings().setValue(SettingsKeys::storageLocation, devices.home());
+        {
+            auto stored = STORED_FILE;
+            stored.setValue(QStringLiteral("informationPanel/doctorName"), QStringLiteral("Dr. Ada Lind"));
+            stored.setValue(QStringLiteral("informationPanel/hospitalName"), QStringLiteral("St. Clara"));
+            stored.setValue(QStringLiteral("filePreviewPanel/storageLocation"), devices.home());
+        }
         MainWindow window;
         QCOMPARE(window.objectName(), QStringLiteral("MainWindow"));
         QCOMPARE(window.windowTitle(), QStringLiteral("Orvix"));
@@ -193,14 +200,26 @@ private slots:
 
     void mutedAtStart()
     {
-        QSettings().setValue(SettingsKeys::micMuted, true);
-        QSettings().setValue(SettingsKeys::micVolume, 33);
+        {
+            auto stored = STORED_FILE;
+            stored.setValue(QStringLiteral("controlPanel/micMuted"), true);
+            stored.setValue(QStringLiteral("controlPanel/micVolume"), 33);
+        }
         MainWindow window;
         QCOMPARE(child<QSlider>(window, "VolumeControlSlider")->value(), 33);
         QVERIFY(child<QPushButton>(window, "VolumeLevelButton")->isChecked());
         QVERIFY(window.levelMeter()->isHidden());
         // The invalid state enables the slider even so, deliberately.
         QVERIFY(child<QSlider>(window, "VolumeControlSlider")->isEnabled());
+
+        // A drag of the slider, as the user moves it.
+        auto *slider = child<QSlider>(window, "VolumeControlSlider");
+        slider->setSliderDown(true);
+        slider->setSliderPosition(44);
+        slider->setSliderDown(false);
+        window.muteChanged(false);
+        QCOMPARE(STORED_FILE.value(QStringLiteral("controlPanel/micVolume")).toInt(), 44);
+        QCOMPARE(STORED_FILE.value(QStringLiteral("controlPanel/micMuted")).toBool(), false);
     }
 
     void stateSlotsSetOnlyTheirFlags_data()
@@ -287,7 +306,7 @@ private slots:
         // Choose another entry first, so that this one starts unchecked.
         actions[entry == SizeLimit::ThreeGB ? SizeLimit::OneGB : SizeLimit::ThreeGB]->trigger();
         actions[entry]->trigger();
-        QCOMPARE(QSettings().value(SettingsKeys::sizeLimit).toInt(), stored);
+        QCOMPARE(STORED_FILE.value(QStringLiteral("runTime/sizeLimit")).toInt(), stored);
         QCOMPARE(window.currentSizeLimit(), limit);
         for (int i = 0; i < SizeLimit::EntryCount; ++i)
             QCOMPARE(actions[i]->isChecked(), i == entry);

@@ -201,6 +201,8 @@ private slots:
         QCOMPARE(second.exitCode(), 0);
         QVERIFY(clock.elapsed() < 5000);
         QVERIFY(waitForLine(first, "orvix.app: single instance: message \"Wake up!\"", 5000));
+        // The program's own window is the one brought forward.
+        QVERIFY(waitForLine(first, "orvix.app: single instance: brought forward \"MainWindow\"", 5000));
         QCOMPARE(first.state(), QProcess::Running);
 
         first.terminate();

@@ -40,19 +40,6 @@ private slots:
         QVERIFY(widget.messageText().contains(QStringLiteral("Please connect Orvix cameras.")));
     }
 
-    void waitingPulseNeverRepeatsAnEnd()
-    {
-        bool brightening = false;
-        int level = 192;
-        QList<int> seen { level };
-        for (int i = 0; i < 52; ++i)
-            seen << (level = WaitingForCameraWidget::nextLevel(level, brightening));
-        for (int i = 1; i < seen.size(); ++i)
-            QCOMPARE(qAbs(seen[i] - seen[i - 1]), 10);
-        QCOMPARE(*std::min_element(seen.begin(), seen.end()), 62);
-        QCOMPARE(*std::max_element(seen.begin(), seen.end()), 192);
-    }
-
     void waitingRestartAndTimer()
     {
         WaitingForCameraWidget widget;
