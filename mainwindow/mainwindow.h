@@ -83,6 +83,8 @@ public:
     qint64 currentSizeLimit() const { return sizeLimit; }
     int currentResolutionIndex() const { return resolutionIndex; }
     int currentRotationMode() const { return rotationMode; }
+    // A camera restart has not shown a frame in its format yet.
+    bool isCameraRestarting() const { return formatSettling; }
     const QList<QCameraFormat> &formatsOnOffer() const { return cameraFormats; }
     const QList<QCameraDevice> &usableCameras() const { return availableCameras; }
     QCameraDevice runningCameraDevice() const { return startedCameraDevice; }

@@ -319,8 +319,10 @@ private slots:
         QVERIFY(!actions[0]->isChecked() && actions[1]->isChecked() && !actions[2]->isChecked());
         // The same resolution again still restarts the camera, and so does
         // one asked for while that restart settles, right after it.
+        QTRY_VERIFY_WITH_TIMEOUT(!window.isCameraRestarting(), 5000);
         QSignalSpy active(window.currentCamera(), &QCamera::activeChanged);
         window.resolutionTo2nd();
+        QVERIFY(window.isCameraRestarting());
         window.resolutionTo2nd();
         QTRY_COMPARE_WITH_TIMEOUT(active.count(), 4, 8000);
         QCOMPARE(active.last().first().toBool(), true);
