@@ -167,7 +167,13 @@ int main(int argc, char *argv[])
     });
     unplug.start(120000);
     QTimer probe;
-    QObject::connect(&probe, &QTimer::timeout, [&] { samples.append(sample()); });
+    QObject::connect(&probe, &QTimer::timeout, [&] {
+        samples.append(sample());
+        std::printf("minute %lld: RSS %.1f MB, heap in use %.1f MB, %ld threads, %lld descriptors\n", qint64(samples.size()),
+                    samples.last().rssKb / 1024.0, samples.last().heapInUseMb, samples.last().threads,
+                    qint64(samples.last().descriptors));
+        std::fflush(stdout);
+    });
     probe.start(60000);
 
     while (clock.elapsed() < minutes * 60000)
