@@ -18,6 +18,7 @@
 
 #include "app/memorytuning.h"
 #include "referencefilters.h"
+#include "allnine.h"
 #include "imaging/framefilters.h"
 
 namespace {
@@ -67,21 +68,6 @@ void runReference(benchmark::State &state, Filter filter)
         QImage result = filter(frame());
         benchmark::DoNotOptimize(result.constBits());
     }
-}
-
-PictureAdjustments allNine()
-{
-    PictureAdjustments values;
-    values.brightness = 10;
-    values.contrast = 20;
-    values.gamma = -15;
-    values.hue = 40;
-    values.saturation = -25;
-    values.whiteBalance = 12;
-    values.backlight = 1;
-    values.gain = 5;
-    values.exposure = -8;
-    return values;
 }
 
 // Collects each benchmark's best time per iteration for the closing table:

@@ -22,6 +22,7 @@
 
 #include "app/memorytuning.h"
 #include "imaging/frameconversion.h"
+#include "allnine.h"
 #include "imaging/framefilters.h"
 #include "imaging/liveframepipeline.h"
 
@@ -85,21 +86,6 @@ QVideoFrame cameraFrame(QVideoFrameFormat::PixelFormat format)
     }
     frame.unmap();
     return frame;
-}
-
-PictureAdjustments allNine()
-{
-    PictureAdjustments values;
-    values.brightness = 20;
-    values.contrast = -150;
-    values.hue = 30;
-    values.saturation = -40;
-    values.whiteBalance = 20;
-    values.gamma = -20;
-    values.backlight = 5;
-    values.gain = 5;
-    values.exposure = 5;
-    return values;
 }
 
 const QList<std::pair<const char *, QVideoFrameFormat::PixelFormat>> formats = {
