@@ -31,7 +31,7 @@ int main(int argc, char *argv[])
     QCoreApplication::setOrganizationDomain(QStringLiteral("kelvane.com"));
     QCoreApplication::setApplicationName(QStringLiteral("Orvix"));
 
-    MemoryTuning::keepFrameMemory();
+    MemoryTuning::apply();
     OrvixSingleApplication app(singleInstanceId, argc, argv);
     if (app.sendMessage(QStringLiteral("Wake up!"), 5000))
         return 0;

@@ -1,5 +1,4 @@
-// Keeps the memory of freed video frames mapped for the next frame, and
-// the number of heaps small.
+// How the C library's allocator serves a program that records for hours.
 #include "memorytuning.h"
 
 // Before the test below: the C library's own header says whether it is glibc.
@@ -10,20 +9,20 @@
 #endif
 
 namespace MemoryTuning {
-void keepFrameMemory()
+void apply()
 {
 #if defined(__GLIBC__)
-    // Frames up to 32 MB (1080p and a little more) come from the heap, and
-    // up to a few of them stay there; a mapping of their own would be given
-    // back at every free and faulted in page by page at the next frame,
-    // 4 ms a 1080p picture. 32 MB is glibc's largest threshold: above it the
-    // call fails and leaves the threshold at 128 KB.
-    mallopt(M_MMAP_THRESHOLD, 32 << 20);
-    mallopt(M_TRIM_THRESHOLD, 256 << 20);
-    // Every file of a split recording brings new encoder threads, and each
-    // new thread took a heap of its own that was never given back: a soak
-    // that split every second grew by 270 MB in two minutes. Two heaps stay
-    // flat.
+    // Blocks of a megabyte or more get mappings of their own, given back to
+    // the system when freed. From the heap, the buffers of the encoders that
+    // every file of a recording brings fragmented it: a soak that split every
+    // second grew by 8 MB a minute with the memory in use flat. The live
+    // view keeps its pictures' memory itself (see FrameRenderer), so no
+    // frame pays for fresh pages. A fixed threshold also ends glibc's own
+    // raising of it after each large free.
+    mallopt(M_MMAP_THRESHOLD, 1 << 20);
+    // Every file of a split recording brings new encoder threads, and glibc
+    // gives busy threads heaps of their own (up to eight a core), each
+    // keeping freed memory for itself. Two are enough for this program.
     mallopt(M_ARENA_MAX, 2);
 #endif
 }

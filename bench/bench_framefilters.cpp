@@ -16,7 +16,6 @@
 #include <QGuiApplication>
 #include <QImage>
 
-#include "app/memorytuning.h"
 #include "referencefilters.h"
 #include "allnine.h"
 #include "imaging/framefilters.h"
@@ -155,7 +154,6 @@ void registerAll()
 
 int main(int argc, char **argv)
 {
-    MemoryTuning::keepFrameMemory();
     QGuiApplication app(argc, argv);
     frame();
     // The colour tables are made once per process; the live view builds them

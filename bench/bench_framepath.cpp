@@ -24,6 +24,7 @@
 #include "imaging/frameconversion.h"
 #include "allnine.h"
 #include "imaging/framefilters.h"
+#include "imaging/framerenderer.h"
 #include "imaging/liveframepipeline.h"
 
 namespace {
@@ -179,7 +180,7 @@ int main(int argc, char **argv)
     if (!childRun)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     // As the program's main() does.
-    MemoryTuning::keepFrameMemory();
+    MemoryTuning::apply();
     QGuiApplication app(argc, argv);
     const QStringList arguments = app.arguments();
     if (childRun) {
@@ -214,38 +215,28 @@ int main(int argc, char **argv)
             frame.unmap();
         });
         frame.map(QVideoFrame::ReadOnly);
+        // Each stage as the render thread runs it: in memory kept from frame
+        // to frame, in place where it can be.
         QImage image;
-        conversions << measure(repetitions, [&] { image = FrameConversion::toImage(frame); });
+        conversions << measure(repetitions, [&] { FrameConversion::toImage(frame, image); });
         frame.unmap();
-        QImage oriented;
-        orientations << measure(repetitions, [&] { oriented = FrameFilters::orient(image, 1); });
-        noFilters << measure(repetitions, [&] { FrameFilters::adjust(oriented, PictureAdjustments()); });
+        orientations << measure(repetitions, [&] { FrameFilters::orientInPlace(image, 1); });
+        noFilters << measure(repetitions, [&] { FrameFilters::adjust(image, PictureAdjustments()); });
         const PictureAdjustments nine = allNine();
-        QImage filtered = oriented.copy();
-        nineFilters << measure(repetitions, [&] {
-            filtered = oriented.copy();
-            FrameFilters::adjust(filtered, nine);
-        });
-        // The copy made for each repetition is not the filters' cost.
-        const Cost imageCopy = measure(repetitions, [&] { filtered = oriented.copy(); });
-        nineFilters.last().wall -= imageCopy.wall;
-        nineFilters.last().cpu -= imageCopy.cpu;
+        nineFilters << measure(repetitions, [&] { FrameFilters::adjust(image, nine); });
         QImage picture;
-        scales << measure(repetitions, [&] { picture = FrameFilters::scaledForView(filtered, viewSize); });
+        scales << measure(repetitions, [&] { FrameFilters::scaledForView(image, viewSize, picture); });
         QImage window(viewSize, QImage::Format_RGB32);
         windowCopies << measure(repetitions, [&] {
             QPainter painter(&window);
             painter.drawImage(QPoint(0, 0), picture);
         });
-        wholes << measure(repetitions, [&] {
-            QVideoFrame mapped = frame;
-            mapped.map(QVideoFrame::ReadOnly);
-            QImage result = FrameConversion::toImage(mapped);
-            mapped.unmap();
-            result = FrameFilters::orient(result, 1);
-            FrameFilters::adjust(result, nine);
-            result = FrameFilters::scaledForView(result, viewSize);
-        });
+        // Two frames in turn, as a camera's come from different memory.
+        FrameRenderer renderer;
+        const FrameRenderer::Settings settings { 1, nine, viewSize };
+        const QVideoFrame frames[2] = { frame, cameraFrame(format) };
+        int turn = 0;
+        wholes << measure(repetitions, [&] { renderer.render(frames[turn++ % 2], settings); });
         threadRenders << Cost { pipelineRenderMs(format, repetitions), 0 };
     }
 

@@ -29,12 +29,28 @@ bool convertsItself(const QVideoFrame &frame)
 
 QImage toImage(const QVideoFrame &frame)
 {
+    QImage image;
+    toImage(frame, image);
+    return image;
+}
+
+void toImage(const QVideoFrame &frame, QImage &image)
+{
 #ifdef ORVIX_HAVE_LIBYUV
-    if (!convertsItself(frame))
-        return frame.toImage();
+    if (!convertsItself(frame)) {
+        image = frame.toImage();
+        return;
+    }
     // Alpha is always opaque, so premultiplied is what Qt's own conversion
     // gives too.
-    QImage image(frame.size(), QImage::Format_ARGB32_Premultiplied);
+    // The filters leave an image they changed as RGB32: the same opaque
+    // pixels, so its memory serves again.
+    const bool reusable = image.size() == frame.size() && image.isDetached()
+            && (image.format() == QImage::Format_ARGB32_Premultiplied || image.format() == QImage::Format_RGB32);
+    if (reusable)
+        image.reinterpretAsFormat(QImage::Format_ARGB32_Premultiplied);
+    else
+        image = QImage(frame.size(), QImage::Format_ARGB32_Premultiplied);
     const int width = frame.width();
     const int height = frame.height();
     uchar *out = image.bits();
@@ -58,9 +74,10 @@ QImage toImage(const QVideoFrame &frame)
     default:
         break;
     }
-    return result == 0 ? image : frame.toImage();
+    if (result != 0)
+        image = frame.toImage();
 #else
-    return frame.toImage();
+    image = frame.toImage();
 #endif
 }
 

@@ -27,20 +27,27 @@ namespace FrameFilters {
 
 QImage orient(const QImage &image, int mode)
 {
+    QImage oriented = image;
+    orientInPlace(oriented, mode);
+    return oriented;
+}
+
+void orientInPlace(QImage &image, int mode)
+{
+    // A half turn is both mirrors, pixel for pixel; the half turn and then
+    // the flip top to bottom leave the mirror left to right.
     switch (mode) {
     case 1:
-        return image.transformed(QTransform().rotate(180.0, Qt::ZAxis), Qt::FastTransformation);
+        image.mirror(true, true);
+        break;
     case 2:
-        return image.mirrored(false, true);
-    case 3: {
-        // Rotation then a top-to-bottom flip: a left-right mirror, built in
-        // these two steps as it always was.
-        QImage rotated = image.transformed(QTransform().rotate(180.0, Qt::ZAxis), Qt::FastTransformation);
-        rotated.mirror(false, true);
-        return rotated;
-    }
+        image.mirror(false, true);
+        break;
+    case 3:
+        image.mirror(true, false);
+        break;
     default:
-        return image;
+        break;
     }
 }
 
@@ -583,11 +590,18 @@ QRect targetRect(const QSize &widget)
 
 QImage scaledForView(const QImage &image, const QSize &size)
 {
-    QImage scaled(size, QImage::Format_RGB32);
+    QImage scaled;
+    scaledForView(image, size, scaled);
+    return scaled;
+}
+
+void scaledForView(const QImage &image, const QSize &size, QImage &scaled)
+{
+    if (scaled.size() != size || scaled.format() != QImage::Format_RGB32 || !scaled.isDetached())
+        scaled = QImage(size, QImage::Format_RGB32);
     QPainter painter(&scaled);
     painter.setCompositionMode(QPainter::CompositionMode_Source);
     painter.drawImage(QRect(QPoint(0, 0), size), image, image.rect());
-    return scaled;
 }
 
 } // namespace FrameFilters

@@ -29,6 +29,7 @@ namespace FrameFilters {
 
 // 0 none, 1 rotated 180 degrees, 2 flipped top to bottom, 3 both.
 QImage orient(const QImage &image, int mode);
+void orientInPlace(QImage &image, int mode);
 
 // Lookup tables of the three table filters.
 using Table = std::array<int, 256>;
@@ -81,5 +82,8 @@ QRect targetRect(const QSize &widget);
 // The picture scaled to the view's rectangle as the view itself would draw
 // it (no smoothing), opaque, so that the view copies it without blending.
 QImage scaledForView(const QImage &image, const QSize &size);
+// The same into `scaled`, in its own memory where it is the right size and
+// no one else holds it.
+void scaledForView(const QImage &image, const QSize &size, QImage &scaled);
 
 } // namespace FrameFilters

@@ -6,7 +6,6 @@
 #include <QElapsedTimer>
 #include <QVideoSink>
 
-#include "imaging/frameconversion.h"
 
 LiveFramePipeline::LiveFramePipeline(QObject *parent)
     : QObject(parent)
@@ -84,40 +83,24 @@ void LiveFramePipeline::frameArrived(const QVideoFrame &frame)
 void LiveFramePipeline::renderNewest()
 {
     QVideoFrame frame;
-    int rotation;
-    PictureAdjustments values;
-    QSize size;
+    FrameRenderer::Settings settings;
     quint64 startedIn;
     {
         QMutexLocker locker(&lock);
         startedIn = generation;
         frame = std::exchange(newestFrame, QVideoFrame());
-        rotation = rotationMode;
-        values = adjustments;
-        size = targetSize;
+        settings = { rotationMode, adjustments, targetSize };
     }
     QElapsedTimer cost;
     cost.start();
-    QImage image;
-    if (frame.map(QVideoFrame::ReadOnly)) {
-        image = FrameConversion::toImage(frame);
-        frame.unmap();
-    }
-    if (image.isNull()) {
-        QMutexLocker locker(&lock);
-        renderPending = false;
-        return;
-    }
-    image = FrameFilters::orient(image, rotation);
-    FrameFilters::adjust(image, values);
-    if (!size.isEmpty() && size != image.size())
-        image = FrameFilters::scaledForView(image, size);
-    frameStatistics.frameRendered(cost.nsecsElapsed());
+    QImage image = renderer.render(frame, settings);
+    if (!image.isNull())
+        frameStatistics.frameRendered(cost.nsecsElapsed());
     {
         QMutexLocker locker(&lock);
         renderPending = false;
         // A camera that went away meanwhile leaves no picture behind.
-        if (startedIn != generation)
+        if (image.isNull() || startedIn != generation)
             return;
         newestPicture = { std::move(image), frame.size(), nextSerial++ };
         pictureTaken = false;

@@ -12,6 +12,7 @@
 #include <QVideoFrame>
 
 #include "imaging/framefilters.h"
+#include "imaging/framerenderer.h"
 #include "imaging/framestatistics.h"
 
 class QVideoSink;
@@ -67,6 +68,8 @@ private:
     QObject *videoContext = nullptr;
     QObject *renderContext = nullptr;
     QVideoSink *sink = nullptr;
+    // Used on the render thread only.
+    FrameRenderer renderer;
     FrameStatistics frameStatistics;
 
     QMutex lock;

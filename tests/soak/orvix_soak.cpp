@@ -102,7 +102,7 @@ void setFilters(MainWindow &window, bool on)
 int main(int argc, char *argv[])
 {
     // As the program's main() does.
-    MemoryTuning::keepFrameMemory();
+    MemoryTuning::apply();
     VirtualDevices devices;
     QApplication app(argc, argv);
     QCoreApplication::setOrganizationName(QStringLiteral("Kelvane"));

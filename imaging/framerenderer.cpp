@@ -1,0 +1,38 @@
+// One camera frame to the finished picture of the live view.
+#include "framerenderer.h"
+
+#include <QVideoFrame>
+
+#include "imaging/frameconversion.h"
+
+namespace {
+// A buffer no one else holds, else an empty one, else one to be replaced.
+QImage &freeOf(std::array<QImage, 2> &buffers)
+{
+    for (QImage &buffer : buffers) {
+        if (buffer.isDetached())
+            return buffer;
+    }
+    return buffers[0].isNull() ? buffers[0] : buffers[1];
+}
+}
+
+QImage FrameRenderer::render(const QVideoFrame &source, const Settings &settings)
+{
+    QVideoFrame frame = source;
+    if (!frame.map(QVideoFrame::ReadOnly))
+        return QImage();
+    // Worked on in place: a second holder would make every step copy.
+    QImage &image = freeOf(converted);
+    FrameConversion::toImage(frame, image);
+    frame.unmap();
+    if (image.isNull())
+        return image;
+    FrameFilters::orientInPlace(image, settings.rotationMode);
+    FrameFilters::adjust(image, settings.adjustments);
+    if (settings.targetSize.isEmpty() || settings.targetSize == image.size())
+        return image;
+    QImage &picture = freeOf(scaled);
+    FrameFilters::scaledForView(image, settings.targetSize, picture);
+    return picture;
+}
