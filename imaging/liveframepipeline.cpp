@@ -6,7 +6,6 @@
 #include <QElapsedTimer>
 #include <QVideoSink>
 
-
 LiveFramePipeline::LiveFramePipeline(QObject *parent)
     : QObject(parent)
 {
@@ -39,7 +38,7 @@ LiveFramePipeline::~LiveFramePipeline()
     }, Qt::BlockingQueuedConnection);
     videoThread.quit();
     videoThread.wait();
-    // A render still queued runs before the thread ends; nothing waits for it.
+    // A render still queued is dropped with the thread's event loop.
     renderThread.quit();
     renderThread.wait();
     delete renderContext;
