@@ -106,9 +106,12 @@ bool isGlue(GstElement *element)
     return name && (g_str_equal(name, "tee") || g_str_equal(name, "capsfilter"));
 }
 
-void padLinked(GObject *, GstClockTime, GstPad *source, GstPad *, GstPadLinkReturn result)
+// Before the link is made: a tee pushes into a new branch the moment it is
+// linked, and a wait put in after the link came too late now and then (one
+// file start in seventy had its source stopped).
+void padLinking(GObject *, GstClockTime, GstPad *source, GstPad *)
 {
-    if (result != GST_PAD_LINK_OK || g_object_get_data(G_OBJECT(source), "orvix-waits"))
+    if (g_object_get_data(G_OBJECT(source), "orvix-waits"))
         return;
     GstElement *element = gst_pad_get_parent_element(source);
     if (isGlue(element)) {
@@ -136,7 +139,7 @@ void elementMade(GObject *, GstClockTime, GstElement *element)
 // every one.
 void sourceWatcherInit(GTypeInstance *instance, gpointer)
 {
-    gst_tracing_register_hook(GST_TRACER(instance), "pad-link-post", G_CALLBACK(padLinked));
+    gst_tracing_register_hook(GST_TRACER(instance), "pad-link-pre", G_CALLBACK(padLinking));
     gst_tracing_register_hook(GST_TRACER(instance), "element-new", G_CALLBACK(elementMade));
 }
 
