@@ -588,13 +588,6 @@ QRect targetRect(const QSize &widget)
     return QRect(0, (height - c) >> 1, width, c);
 }
 
-QImage scaledForView(const QImage &image, const QSize &size)
-{
-    QImage scaled;
-    scaledForView(image, size, scaled);
-    return scaled;
-}
-
 void scaledForView(const QImage &image, const QSize &size, QImage &scaled)
 {
     if (scaled.size() != size || scaled.format() != QImage::Format_RGB32 || !scaled.isDetached())

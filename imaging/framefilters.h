@@ -80,10 +80,9 @@ QRgb hslToRgb(int hue, int saturation, int lightness);
 QRect targetRect(const QSize &widget);
 
 // The picture scaled to the view's rectangle as the view itself would draw
-// it (no smoothing), opaque, so that the view copies it without blending.
-QImage scaledForView(const QImage &image, const QSize &size);
-// The same into `scaled`, in its own memory where it is the right size and
-// no one else holds it.
+// it (no smoothing), opaque, so that the view copies it without blending;
+// into `scaled`'s own memory where it is the right size and no one else
+// holds it.
 void scaledForView(const QImage &image, const QSize &size, QImage &scaled);
 
 } // namespace FrameFilters
