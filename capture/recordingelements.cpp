@@ -21,43 +21,21 @@ GObjectClass *encoderParentClass = nullptr;
 // How long data may wait for a peer that is starting.
 constexpr gint64 peerStartWaitUsec = 2 * G_USEC_PER_SEC;
 
-// The one source pad of an element, or null.
-GstPad *onlySourcePad(GstElement *element)
-{
-    GstPad *pad = nullptr;
-    GST_OBJECT_LOCK(element);
-    if (element->numsrcpads == 1)
-        pad = GST_PAD(gst_object_ref(element->srcpads->data));
-    GST_OBJECT_UNLOCK(element);
-    return pad;
-}
-
 // Whether data pushed from `pad` would be refused because a pad on its way
-// is not yet running. A bin's input is followed inside, and inside it from
-// element to element: Qt adds the recorder's bin with its inputs already
-// running while the parts behind them are not, and a queue there that met
-// one of those parts refuses everything after it.
+// is not yet running. A bin's input is followed inside: Qt adds the
+// recorder's bin with its inputs already running while the parts behind
+// them are not.
 bool peerStarting(GstPad *pad)
 {
     GstPad *peer = gst_pad_get_peer(pad);
     bool starting = false;
-    bool insideBin = false;
-    for (int depth = 0; peer && !starting && depth < 16; ++depth) {
+    while (peer && !starting) {
         starting = GST_PAD_IS_FLUSHING(peer);
         GstPad *next = nullptr;
         if (!starting && GST_IS_GHOST_PAD(peer)) {
             if (GstProxyPad *inside = gst_proxy_pad_get_internal(GST_PROXY_PAD(peer))) {
                 next = gst_pad_get_peer(GST_PAD(inside));
                 gst_object_unref(inside);
-                insideBin = true;
-            }
-        } else if (!starting && insideBin) {
-            if (GstElement *element = gst_pad_get_parent_element(peer)) {
-                if (GstPad *out = onlySourcePad(element)) {
-                    next = gst_pad_get_peer(out);
-                    gst_object_unref(out);
-                }
-                gst_object_unref(element);
             }
         }
         gst_object_unref(peer);
