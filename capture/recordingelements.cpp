@@ -5,6 +5,7 @@
 
 #ifdef ORVIX_HAVE_GSTREAMER
 
+#include <atomic>
 #include <mutex>
 #include <vector>
 
@@ -134,10 +135,38 @@ void watchLinks()
     g_object_new(type, nullptr);
 }
 
+// Every muxer made, to find the ones Qt keeps (see releaseKeptMuxers).
+struct TrackedMuxer
+{
+    GWeakRef ref;
+    gint64 outSince = 0;
+};
+std::mutex muxersLock;
+std::vector<TrackedMuxer *> muxers;
+std::atomic<int> muxersAlive { 0 };
+std::atomic<bool> muxersFreedByQt { false };
+// Set while this code drops the reference Qt kept, on the thread that does.
+thread_local bool releasingKeptMuxer = false;
+
+void muxerFinalize(GObject *object)
+{
+    --muxersAlive;
+    if (!releasingKeptMuxer)
+        muxersFreedByQt = true;
+    muxerParentClass->finalize(object);
+}
+
 void muxerConstructed(GObject *object)
 {
     if (muxerParentClass->constructed)
         muxerParentClass->constructed(object);
+    ++muxersAlive;
+    {
+        std::lock_guard<std::mutex> locked(muxersLock);
+        auto *tracked = new TrackedMuxer;
+        g_weak_ref_init(&tracked->ref, object);
+        muxers.push_back(tracked);
+    }
     // Plain fragments, each playable as soon as it is on disk. The mode that
     // rewrites the file into an unfragmented one at the end writes MP3 sound
     // that no player can open after a crash.
@@ -149,6 +178,7 @@ void muxerClassInit(gpointer klass, gpointer)
 {
     muxerParentClass = G_OBJECT_CLASS(g_type_class_peek_parent(klass));
     G_OBJECT_CLASS(klass)->constructed = muxerConstructed;
+    G_OBJECT_CLASS(klass)->finalize = muxerFinalize;
 
     // Only 4:2:0 profiles on the video input: the encoder then agrees on
     // High 4:2:0 instead of following the camera's 4:2:2.
@@ -263,6 +293,55 @@ int reviveStoppedSources()
     return revived;
 }
 
+int releaseKeptMuxers(qint64 quietMsec)
+{
+    std::lock_guard<std::mutex> locked(muxersLock);
+    int released = 0;
+    const gint64 now = g_get_monotonic_time();
+    for (auto it = muxers.begin(); it != muxers.end();) {
+        auto *muxer = static_cast<GstElement *>(g_weak_ref_get(&(*it)->ref));
+        if (!muxer || muxersFreedByQt) {
+            if (muxer)
+                gst_object_unref(muxer);
+            g_weak_ref_clear(&(*it)->ref);
+            delete *it;
+            it = muxers.erase(it);
+            continue;
+        }
+        GST_OBJECT_LOCK(muxer);
+        const bool out = !GST_OBJECT_PARENT(muxer) && GST_STATE(muxer) == GST_STATE_NULL;
+        GST_OBJECT_UNLOCK(muxer);
+        if (!out) {
+            (*it)->outSince = 0;
+        } else if ((*it)->outSince == 0) {
+            (*it)->outSince = now;
+        } else if (now - (*it)->outSince >= quietMsec * 1000
+                   && g_atomic_int_get(&G_OBJECT(muxer)->ref_count) == 2) {
+            // Ours from the weak reference, and the one Qt kept: a muxer out
+            // of its bin and stopped this long has no holder besides.
+            releasingKeptMuxer = true;
+            gst_object_unref(muxer);
+            gst_object_unref(muxer);
+            releasingKeptMuxer = false;
+            ++released;
+            g_weak_ref_clear(&(*it)->ref);
+            delete *it;
+            it = muxers.erase(it);
+            continue;
+        }
+        gst_object_unref(muxer);
+        ++it;
+    }
+    if (released)
+        qCDebug(lcRecording) << "let go of" << released << "muxers the recorder kept";
+    return released;
+}
+
+int liveMuxers()
+{
+    return muxersAlive;
+}
+
 } // namespace RecordingElements
 
 #else
@@ -277,6 +356,14 @@ int reviveStoppedSources()
     return 0;
 }
 int revivedSources()
+{
+    return 0;
+}
+int releaseKeptMuxers(qint64)
+{
+    return 0;
+}
+int liveMuxers()
 {
     return 0;
 }

@@ -11,6 +11,8 @@
 //   look-ahead that a crash would lose.
 #pragma once
 
+#include <QtGlobal>
+
 namespace RecordingElements {
 
 // Registers the elements once; later calls do nothing. False when the stock
@@ -23,6 +25,16 @@ bool install();
 int reviveStoppedSources();
 // How many were set going again since the start, for tests.
 int revivedSources();
+
+// Qt's recorder applies the movie's tags by walking the recording's bin and
+// never lets go of the last element it met: the muxer, one per file. Each
+// muxer kept that way (about 25 kB with its index) is let go here once it
+// has been out of its bin and stopped for quietMsec, and only while no
+// muxer was ever freed without this (a Qt that frees them itself).
+// How many were let go.
+int releaseKeptMuxers(qint64 quietMsec = 5000);
+// Muxers alive, for tests.
+int liveMuxers();
 
 // The factory names, for tests and benchmarks.
 inline constexpr const char *muxerName = "orvixmp4mux";

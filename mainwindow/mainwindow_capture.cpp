@@ -75,7 +75,7 @@ void MainWindow::cameraDropped(QList<QCameraDevice> droppedCameras)
         cameraLive = false;
         qCDebug(lcCapture) << "cameraDropped description:" << dropped.description();
         // The file written so far stays playable: it is written in fragments.
-        recordingMoviePath.clear();
+        const QString droppedMovie = std::exchange(recordingMoviePath, QString());
         recordingGuardTimer.stop();
         forgetSplitDelay();
         if (recorder && recorder->recorderState() != QMediaRecorder::StoppedState) {
@@ -86,6 +86,8 @@ void MainWindow::cameraDropped(QList<QCameraDevice> droppedCameras)
         videoCaptureButton->setChecked(false);
         deletePipeline();
         startedCameraDevice = QCameraDevice();
+        // A file begun after the camera had already gone has sound only.
+        removeEmptyMovie(droppedMovie);
 
         stopMediaPlayer();
         showWaitingPage();

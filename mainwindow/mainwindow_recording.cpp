@@ -19,6 +19,7 @@
 #include "app/orvixlogging.h"
 #include "app/settingskeys.h"
 #include "capture/recordingelements.h"
+#include "mainwindow/moviepicture.h"
 #include "mainwindow/sizelimit.h"
 #include "storage/recordinginformation.h"
 #include "storage/storagepaths.h"
@@ -207,6 +208,7 @@ void MainWindow::beginMovieFile(const QString &path)
 {
     // The last file's end may have stopped the microphone (see checkRecording).
     RecordingElements::reviveStoppedSources();
+    RecordingElements::releaseKeptMuxers();
     recorder->setOutputLocation(QUrl::fromLocalFile(path));
     liveRecordingInformation().write(StoragePaths::recordingInformationPath(path));
 }
@@ -286,14 +288,14 @@ void MainWindow::updateRecorderState(QMediaRecorder::RecorderState state)
     // report (checkRecording).
 }
 
-// A file stopped before its first picture reached it holds only headers
-// that no player opens; it and its information file go.
+// A file stopped before its first picture reached it holds only headers,
+// or only sound, and no player opens it; it and its information file go.
 void MainWindow::removeEmptyMovie(const QString &path)
 {
     const QFileInfo movie(path);
-    if (path.isEmpty() || !movie.exists() || movie.size() > emptyMovieBytes)
+    if (path.isEmpty() || !movie.exists() || (movie.size() > emptyMovieBytes && MoviePicture::holdsPicture(path)))
         return;
-    qCWarning(lcRecording) << "removing a movie that holds no picture:" << path;
+    qCInfo(lcRecording) << "removing a movie that holds no picture:" << path;
     QFile::remove(path);
     QFile::remove(StoragePaths::recordingInformationPath(path));
 }

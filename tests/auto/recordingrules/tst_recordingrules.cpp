@@ -1,8 +1,12 @@
 // The rules of a recording that need no window: file names, the information
-// file, and the guard's findings over a run of looks at a file.
+// file, the guard's findings over a run of looks at a file, and which
+// finished files hold a picture.
 #include <QFile>
+#include <QFileInfo>
+#include <QProcess>
 #include <QTemporaryDir>
 
+#include "mainwindow/moviepicture.h"
 #include "mainwindow/recordingguard.h"
 #include "orvixtest.h"
 #include "storage/recordinginformation.h"
@@ -128,6 +132,52 @@ private slots:
         QCOMPARE(guard.check(62000, true, 100, plenty), Finding::None);
         QCOMPARE(guard.check(63000, true, 100, plenty), Finding::NotGrowing);
         QCOMPARE(guard.secondsThatFit(10 * rate), 10);
+    }
+
+    // Files made by the same muxer the recorder uses, and by another one;
+    // the first is what a file begun without the camera's picture holds.
+    void holdsPicture_data()
+    {
+        QTest::addColumn<QString>("program");
+        QTest::addColumn<QString>("arguments"); // %1: the file
+        QTest::addColumn<bool>("picture");
+        const QString gst = QStringLiteral("gst-launch-1.0");
+        const QString ffmpeg = QStringLiteral("ffmpeg");
+        const QString sound = QStringLiteral("audiotestsrc num-buffers=100 ! lamemp3enc ! mux. ");
+        QTest::newRow("video track that never saw a frame")
+                << gst << QStringLiteral("-q videotestsrc num-buffers=0 ! x264enc ! mux. ") + sound
+                        + QStringLiteral("mp4mux name=mux fragment-duration=1000 ! filesink location=%1")
+                << false;
+        QTest::newRow("fragments")
+                << gst << QStringLiteral("-q videotestsrc num-buffers=30 ! x264enc ! mux. ") + sound
+                        + QStringLiteral("mp4mux name=mux fragment-duration=1000 fragment-mode=dash-or-mss ! filesink location=%1")
+                << true;
+        QTest::newRow("one piece")
+                << ffmpeg << QStringLiteral("-v error -f lavfi -i testsrc=size=320x240:rate=30 -t 1 -c:v libx264 %1") << true;
+        QTest::newRow("sound only")
+                << ffmpeg << QStringLiteral("-v error -f lavfi -i sine -t 1 -c:a aac %1") << false;
+        QTest::newRow("not a movie") << QString() << QString() << true;
+    }
+
+    void holdsPicture()
+    {
+        QFETCH(QString, program);
+        QFETCH(QString, arguments);
+        QFETCH(bool, picture);
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("movie.mp4"));
+        if (program.isEmpty()) {
+            QFile text(path);
+            QVERIFY(text.open(QIODevice::WriteOnly));
+            text.write("not a movie, but nothing to remove either");
+        } else {
+            QProcess maker;
+            maker.setProcessChannelMode(QProcess::ForwardedChannels);
+            maker.start(program, QProcess::splitCommand(arguments.arg(path)));
+            QVERIFY(maker.waitForFinished(30000));
+            QVERIFY(QFileInfo(path).size() > 0);
+        }
+        QCOMPARE(MoviePicture::holdsPicture(path), picture);
     }
 };
 
