@@ -353,30 +353,6 @@ private slots:
         QCOMPARE(QSettings().value(SettingsKeys::sizeLimit).toInt(), storedAfter);
     }
 
-    void restartsFollowTheStoredValue_data()
-    {
-        QTest::addColumn<int>("chosen");
-        QTest::addColumn<int>("afterRestart");
-        QTest::addRow("5 GB -> 4 GB") << int(SizeLimit::FiveGB) << int(SizeLimit::FourGB);
-        QTest::addRow("10 GB -> 1 GB") << int(SizeLimit::TenGB) << int(SizeLimit::OneGB);
-        QTest::addRow("no limit -> 1 GB") << int(SizeLimit::NoLimit) << int(SizeLimit::OneGB);
-        QTest::addRow("3 GB -> 3 GB") << int(SizeLimit::ThreeGB) << int(SizeLimit::ThreeGB);
-    }
-
-    void restartsFollowTheStoredValue()
-    {
-        QFETCH(int, chosen);
-        QFETCH(int, afterRestart);
-        QSettings().setValue(SettingsKeys::sizeLimit, 2);
-        {
-            MainWindow first;
-            first.setupIdleUIState();
-            first.sizeActionList()[chosen]->trigger();
-        }
-        MainWindow second;
-        QVERIFY(second.sizeActionList()[afterRestart]->isChecked());
-    }
-
     void fullScreenActionsStayTruthful()
     {
         MainWindow window;
