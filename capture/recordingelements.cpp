@@ -298,14 +298,17 @@ int releaseKeptMuxers(qint64 quietMsec)
     std::lock_guard<std::mutex> locked(muxersLock);
     int released = 0;
     const gint64 now = g_get_monotonic_time();
+    const auto forget = [](std::vector<TrackedMuxer *>::iterator it) {
+        g_weak_ref_clear(&(*it)->ref);
+        delete *it;
+        return muxers.erase(it);
+    };
     for (auto it = muxers.begin(); it != muxers.end();) {
         auto *muxer = static_cast<GstElement *>(g_weak_ref_get(&(*it)->ref));
         if (!muxer || muxersFreedByQt) {
             if (muxer)
                 gst_object_unref(muxer);
-            g_weak_ref_clear(&(*it)->ref);
-            delete *it;
-            it = muxers.erase(it);
+            it = forget(it);
             continue;
         }
         GST_OBJECT_LOCK(muxer);
@@ -324,9 +327,7 @@ int releaseKeptMuxers(qint64 quietMsec)
             gst_object_unref(muxer);
             releasingKeptMuxer = false;
             ++released;
-            g_weak_ref_clear(&(*it)->ref);
-            delete *it;
-            it = muxers.erase(it);
+            it = forget(it);
             continue;
         }
         gst_object_unref(muxer);

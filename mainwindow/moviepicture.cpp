@@ -15,32 +15,38 @@ struct Box
     qint64 end = 0;
 };
 
+// The box at `at`, if its header is whole and it ends by `end`.
+bool readBox(QFile &file, qint64 at, qint64 end, Box *box)
+{
+    if (at + 8 > end || !file.seek(at))
+        return false;
+    const QByteArray header = file.read(8);
+    if (header.size() < 8)
+        return false;
+    qint64 size = qFromBigEndian<quint32>(header.constData());
+    qint64 payload = at + 8;
+    if (size == 1) {
+        const QByteArray large = file.read(8);
+        if (large.size() < 8)
+            return false;
+        size = qint64(qFromBigEndian<quint64>(large.constData()));
+        payload += 8;
+    } else if (size == 0) {
+        size = end - at;
+    }
+    if (size < payload - at || at + size > end)
+        return false;
+    *box = { header.mid(4, 4), payload, at + size };
+    return true;
+}
+
 // The boxes between begin and end, in order; an unreadable size ends the list.
 QList<Box> children(QFile &file, qint64 begin, qint64 end)
 {
     QList<Box> boxes;
-    for (qint64 at = begin; at + 8 <= end;) {
-        if (!file.seek(at))
-            break;
-        const QByteArray header = file.read(8);
-        if (header.size() < 8)
-            break;
-        qint64 size = qFromBigEndian<quint32>(header.constData());
-        qint64 payload = at + 8;
-        if (size == 1) {
-            const QByteArray large = file.read(8);
-            if (large.size() < 8)
-                break;
-            size = qint64(qFromBigEndian<quint64>(large.constData()));
-            payload += 8;
-        } else if (size == 0) {
-            size = end - at;
-        }
-        if (size < payload - at || at + size > end)
-            break;
-        boxes.append({ header.mid(4, 4), payload, at + size });
-        at += size;
-    }
+    Box box;
+    for (qint64 at = begin; readBox(file, at, end, &box); at = box.end)
+        boxes.append(box);
     return boxes;
 }
 
@@ -143,26 +149,39 @@ bool MoviePicture::holdsPicture(const QString &path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return true;
-    const QList<Box> top = children(file, 0, file.size());
-    const Box *moov = find(top, "moov");
-    if (!moov || top.constFirst().type != "ftyp")
+    const qint64 end = file.size();
+    Box box;
+    if (!readBox(file, 0, end, &box) || box.type != "ftyp")
         return true;
 
+    // One pass that ends at the first frame: an hour's file has thousands
+    // of fragments, and the index comes first in a fragmented file.
     VideoTrack video;
-    bool found = false;
-    for (const Box &box : children(file, moov->start, moov->end)) {
-        if (box.type == "trak" && readVideoTrack(file, box, &video)) {
-            found = true;
-            break;
+    bool indexed = false;
+    QList<Box> fragmentsBeforeIndex;
+    for (qint64 at = box.end; readBox(file, at, end, &box); at = box.end) {
+        if (box.type == "moov") {
+            indexed = true;
+            bool found = false;
+            for (const Box &trak : children(file, box.start, box.end)) {
+                if (trak.type == "trak" && (found = readVideoTrack(file, trak, &video)))
+                    break;
+            }
+            if (!found || video.timescale == 0)
+                return false;
+            if (video.indexedFrames > 0)
+                return true;
+            for (const Box &moof : std::as_const(fragmentsBeforeIndex)) {
+                if (fragmentHasFrame(file, moof, video.id))
+                    return true;
+            }
+        } else if (box.type == "moof") {
+            if (!indexed)
+                fragmentsBeforeIndex.append(box);
+            else if (fragmentHasFrame(file, box, video.id))
+                return true;
         }
     }
-    if (!found || video.timescale == 0)
-        return false;
-    if (video.indexedFrames > 0)
-        return true;
-    for (const Box &box : top) {
-        if (box.type == "moof" && fragmentHasFrame(file, box, video.id))
-            return true;
-    }
-    return false;
+    // Without an index nothing is known of the file: it is kept.
+    return !indexed;
 }

@@ -6,6 +6,7 @@
 // steady, every movie plays and has its information file, every snapshot
 // opens, and the log holds no warning beyond the designed ones.
 // Usage: orvix_soak [minutes, default 30]. The test run has a 3-minute one.
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #if defined(__GLIBC__)
@@ -224,12 +225,8 @@ int main(int argc, char *argv[])
     // compared with the highest of the last three before the final stop.
     const qsizetype recorded = qMax<qsizetype>(1, samples.size() - 1);
     const auto highest = [&](qsizetype from, qsizetype to) {
-        Sample top = samples.at(from);
-        for (qsizetype i = from; i < to; ++i) {
-            if (samples.at(i).rssKb > top.rssKb)
-                top = samples.at(i);
-        }
-        return top;
+        return *std::max_element(samples.cbegin() + from, samples.cbegin() + to,
+                                 [](const Sample &a, const Sample &b) { return a.rssKb < b.rssKb; });
     };
     const Sample first = highest(0, qMin<qsizetype>(3, recorded));
     const Sample last = highest(qMax<qsizetype>(0, recorded - 3), recorded);
