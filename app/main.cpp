@@ -53,6 +53,8 @@ int main(int argc, char *argv[])
 
     if (!StorageFolders::initialize())
         return 0;
+    // On a first start the folders were made just now, after the window.
+    window.showStoredStorageRoot();
 
     QuitOnSignal::install(&app);
     app.setActivationWindow(&window, true);

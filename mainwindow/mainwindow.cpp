@@ -22,7 +22,6 @@
 
 #include "app/orvixlogging.h"
 #include "app/settingskeys.h"
-#include "app/storagefolders.h"
 #include "capture/audioinfo.h"
 #include "capture/devicerecognition.h"
 #include "capture/orvixdevicewatchdogtask.h"
@@ -140,17 +139,13 @@ void MainWindow::readSettings()
         static_cast<QLineEdit *>(informationFields[2])->setText(settings.value(SettingsKeys::doctorName).toString());
         static_cast<QLineEdit *>(informationFields[4])->setText(settings.value(SettingsKeys::hospitalName).toString());
 
-        const QString storageLocation = settings.value(SettingsKeys::storageLocation).toString();
-        storageLocationEdit->setText(storageLocation);
-        storageFreeSpaceLabel->setText(StorageFolders::freeSpaceText(storageLocation));
+        showStoredStorageRoot();
 
         // The stored count of gigabytes goes in as it is; checking its entry
         // then replaces it with the entry's byte limit.
         const int storedLimit = settings.value(SettingsKeys::sizeLimit, QStringLiteral("0")).toInt();
         sizeLimit = storedLimit;
         checkSizeLimitEntryAtStart(storedLimit);
-
-        setStorageBrowserRoot(storageLocation);
     }
     static_cast<QLineEdit *>(informationFields[0])->setText(QDate::currentDate().toString(QStringLiteral("yyyy-MM-dd")));
     // The live values start as the panel shows them now.

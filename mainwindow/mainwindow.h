@@ -102,6 +102,10 @@ public:
     QPushButton *recordingTimeBadge() const { return recordTimeBadge; }
     // The movie file being written and watched; empty when none is.
     QString recordingFile() const { return recordingMoviePath; }
+    // Shows the stored storage root in its field, the free-space label and
+    // the storage browser. A first start stores the root only after the
+    // window is built; start-up calls this once the folders exist.
+    void showStoredStorageRoot();
 
 signals:
     void setSliderValue(int);

@@ -434,6 +434,14 @@ void MainWindow::setupFilePreviewPanel()
     thumbnailView->setTextElideMode(Qt::ElideMiddle);
     // Thousands of items are laid out a batch at a time, not in one go.
     thumbnailView->setLayoutMode(QListView::Batched);
+    // Every item in a cell of its own, whatever its icon: the icon mode's
+    // default free placement keeps the place an item got when it had no icon
+    // yet, and the icon that arrives later is drawn over the next item.
+    thumbnailView->setMovement(QListView::Static);
+    thumbnailView->setResizeMode(QListView::Adjust);
+    thumbnailView->setUniformItemSizes(true);
+    const int textLine = thumbnailView->fontMetrics().height();
+    thumbnailView->setGridSize(QSize(96 + 2 * textLine, 54 + 2 * textLine));
     thumbnailView->setAttribute(Qt::WA_MacShowFocusRect, false);
     thumbnailView->setStyleSheet(QStringLiteral(
             "QListView#ThumbnailView {border: none; border-width: 0; color: rgb(192, 192, 192);"

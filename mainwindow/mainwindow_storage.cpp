@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListView>
 #include <QMessageBox>
@@ -15,6 +16,7 @@
 
 #include "app/orvixlogging.h"
 #include "app/settingskeys.h"
+#include "app/storagefolders.h"
 #include "storage/orvixstoragemodel.h"
 #include "storage/storagepaths.h"
 
@@ -41,14 +43,23 @@ void MainWindow::setStorageBrowserRoot(const QString &root)
     storageModel->setRootPath(root);
 }
 
+void MainWindow::showStoredStorageRoot()
+{
+    const QString location = storageRoot();
+    storageLocationEdit->setText(location);
+    storageFreeSpaceLabel->setText(StorageFolders::freeSpaceText(location));
+    setStorageBrowserRoot(location);
+}
+
 void MainWindow::removeSelectedFile()
 {
     stackedPlayers->setCurrentIndex(1);
     const QModelIndex index = thumbnailView->currentIndex();
     if (!index.isValid())
         return;
-    QStandardItem *item = storageModel->itemFromIndex(index);
-    const QString path = item->data(OrvixStorageModel::informationRole).value<OrvixMediaInformation>().fileInfo.absoluteFilePath();
+    const QFileInfo file = storageModel->itemFromIndex(index)->data(OrvixStorageModel::informationRole)
+                                   .value<OrvixMediaInformation>().fileInfo;
+    const QString path = file.absoluteFilePath();
 
     QMessageBox question(QMessageBox::NoIcon, QString(), tr("Do you want to delete\n") + path,
                          QMessageBox::Yes | QMessageBox::No);
@@ -60,7 +71,9 @@ void MainWindow::removeSelectedFile()
     stopMediaPlayer();
     QFile::remove(StoragePaths::recordingInformationPath(path));
     QFile::remove(path);
-    storageModel->removeRow(item->row());
+    // The list may have been made again while the question was open (a file
+    // deleted or added meanwhile): the item is looked up anew.
+    storageModel->removeFileItem(path);
 }
 
 void MainWindow::updateStorageRoot()

@@ -76,9 +76,11 @@ QString OrvixStorageModel::normalisedRoot(const QString &path)
 bool OrvixStorageModel::setRootPath(const QString &path)
 {
     const QString longPath = normalisedRoot(path);
-    QDir().mkdir(longPath);
-    QDir().mkdir(StoragePaths::join(longPath, QStringLiteral("Image")));
-    QDir().mkdir(StoragePaths::join(longPath, QStringLiteral("Movie")));
+    if (!longPath.isEmpty()) {
+        QDir().mkdir(longPath);
+        QDir().mkdir(StoragePaths::join(longPath, QStringLiteral("Image")));
+        QDir().mkdir(StoragePaths::join(longPath, QStringLiteral("Movie")));
+    }
 
     const QString cleaned = QDir::cleanPath(longPath);
     if (!path.isEmpty() && cleaned.isEmpty())
@@ -135,8 +137,29 @@ QStandardItem *OrvixStorageModel::itemForName(const QString &name) const
     return nameTable.value(name);
 }
 
-void OrvixStorageModel::fileSystemChanged(const QString &, const OrvixUpdateFiles &updates)
+void OrvixStorageModel::removeFileItem(const QString &path)
 {
+    const QFileInfo file(path);
+    QStandardItem *item = nameTable.value(file.fileName());
+    if (item && fileInfoOf(item).absoluteFilePath() == file.absoluteFilePath())
+        removeRow(item->row());
+}
+
+// Only the current root's two folders are shown: a listing of an earlier
+// root that was still under way when the root changed arrives all the same.
+bool OrvixStorageModel::isListedFolder(const QString &directory) const
+{
+    if (root.isEmpty())
+        return false;
+    const QString folder = QDir::cleanPath(directory);
+    return folder == QDir::cleanPath(root + QStringLiteral("/Image"))
+            || folder == QDir::cleanPath(root + QStringLiteral("/Movie"));
+}
+
+void OrvixStorageModel::fileSystemChanged(const QString &path, const OrvixUpdateFiles &updates)
+{
+    if (!isListedFolder(path))
+        return;
     // Several batches often arrive together: each slice is an event of its
     // own, so the window comes round between them.
     pendingFiles.append(updates);
@@ -208,7 +231,7 @@ void OrvixStorageModel::thumbnailLoaded(const QString &name, const QString &path
 
 void OrvixStorageModel::folderListed(const QString &directory, const QStringList &files)
 {
-    if (directory.isEmpty())
+    if (!isListedFolder(directory))
         return;
     listedFolders.insert(directory);
     directoryChanged(directory, files);
@@ -216,7 +239,7 @@ void OrvixStorageModel::folderListed(const QString &directory, const QStringList
 
 void OrvixStorageModel::folderLoaded(const QString &directory)
 {
-    if (!directory.isEmpty() && !listedFolders.remove(directory))
+    if (isListedFolder(directory) && !listedFolders.remove(directory))
         directoryChanged(directory, QStringList());
 }
 

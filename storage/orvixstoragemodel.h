@@ -33,7 +33,10 @@ public:
 
     // The item of a file name, or null.
     QStandardItem *itemForName(const QString &name) const;
+    // Removes the item that shows the file at `path`, if one does.
+    void removeFileItem(const QString &path);
     OrvixMediaInfoGatherer &mediaInfoGatherer() { return gatherer; }
+    OrvixThumbnailLoader &thumbnailLoader() { return thumbnails; }
 
     // The storage root's form as stored: absolute and clean.
     static QString normalisedRoot(const QString &path);
@@ -59,6 +62,7 @@ private:
     void folderListed(const QString &directory, const QStringList &files);
     void folderLoaded(const QString &directory);
     void thumbnailLoaded(const QString &name, const QString &path, const QImage &image);
+    bool isListedFolder(const QString &directory) const;
 
     QString root;
     QStandardItem *rootItem = nullptr;

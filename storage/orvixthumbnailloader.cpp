@@ -63,6 +63,13 @@ void OrvixThumbnailLoader::cancelAll()
     queue.clear();
 }
 
+void OrvixThumbnailLoader::hold(bool on)
+{
+    QMutexLocker locker(&mutex);
+    held = on;
+    wake.wakeAll();
+}
+
 QImage OrvixThumbnailLoader::thumbnail(const QString &path, QSize box)
 {
     QImageReader reader(path);
@@ -95,7 +102,7 @@ void OrvixThumbnailLoader::work()
         std::pair<QString, QString> job;
         {
             QMutexLocker locker(&mutex);
-            while (!stopping && (queue.isEmpty() || undelivered >= maxUndelivered))
+            while (!stopping && (held || queue.isEmpty() || undelivered >= maxUndelivered))
                 wake.wait(&mutex);
             if (stopping)
                 return;

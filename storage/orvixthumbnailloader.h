@@ -33,6 +33,9 @@ public:
     // Forgets every request not yet started; results of started ones still
     // arrive and are the caller's to recognise.
     void cancelAll();
+    // While held, no new picture is decoded; requests wait. For tests that
+    // need the icons to arrive after the list is laid out.
+    void hold(bool held);
 
     // The picture at `path` scaled to fit `box` without smoothing; a null
     // image when it cannot be read. The JPEG decoder is asked for the
@@ -50,6 +53,7 @@ private:
     QWaitCondition wake;
     QQueue<std::pair<QString, QString>> queue;
     bool stopping = false;
+    bool held = false;
     int undelivered = 0;
     std::vector<std::unique_ptr<QThread>> workers;
 };

@@ -3,12 +3,17 @@
 // the disk.
 #include <QAbstractItemModelTester>
 #include <QBuffer>
+#include <QDir>
 #include <QFile>
 #include <QImage>
+#include <QListView>
 #include <QPainter>
+#include <QSettings>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
+#include "app/settingskeys.h"
+#include "mainwindow/mainwindow.h"
 #include "orvixtest.h"
 #include "storage/orvixmediainfogatherer.h"
 #include "storage/orvixstoragemodel.h"
@@ -31,6 +36,44 @@ QImage testPicture(QSize size)
     painter.setPen(QPen(Qt::white, 24));
     painter.drawLine(QPoint(0, size.height()), QPoint(size.width(), 0));
     return image;
+}
+
+// A root of `pictures` snapshots and `movies` movies, as a recording leaves
+// them; every picture a real JPEG.
+void makeRoot(const QString &root, int pictures, int movies)
+{
+    QVERIFY(QDir().mkpath(root + QStringLiteral("/Image")));
+    QVERIFY(QDir().mkpath(root + QStringLiteral("/Movie")));
+    QByteArray jpeg;
+    QBuffer buffer(&jpeg);
+    buffer.open(QIODevice::WriteOnly);
+    testPicture(QSize(320, 180)).save(&buffer, "JPG");
+    for (int i = 0; i < pictures; ++i)
+        writeFile(QStringLiteral("%1/Image/2501%2_1200%3.jpg").arg(root).arg(i / 60, 2, 10, QLatin1Char('0')).arg(i % 60, 2, 10, QLatin1Char('0')), jpeg);
+    for (int i = 0; i < movies; ++i)
+        writeFile(QStringLiteral("%1/Movie/case%2_250101_120000.mp4").arg(root).arg(i), "not really a movie");
+}
+
+// Where two items of the list overlap, a click on one opens the other.
+QString overlapping(QListView *view)
+{
+    const QAbstractItemModel *model = view->model();
+    QList<QRect> rects;
+    for (int row = 0; row < model->rowCount(); ++row)
+        rects.append(view->visualRect(model->index(row, 0)));
+    for (int a = 0; a < rects.size(); ++a) {
+        if (rects[a].isEmpty())
+            return QStringLiteral("item %1 has no place").arg(a);
+        for (int b = a + 1; b < rects.size(); ++b) {
+            if (rects[a].intersects(rects[b]))
+                return QStringLiteral("%1 at (%2,%3 %4x%5) overlaps %6 at (%7,%8 %9x%10)")
+                        .arg(model->index(a, 0).data().toString()).arg(rects[a].x()).arg(rects[a].y())
+                        .arg(rects[a].width()).arg(rects[a].height())
+                        .arg(model->index(b, 0).data().toString()).arg(rects[b].x()).arg(rects[b].y())
+                        .arg(rects[b].width()).arg(rects[b].height());
+        }
+    }
+    return QString();
 }
 
 QStringList names(const QStandardItemModel &model)
@@ -158,6 +201,91 @@ private slots:
 
     // The reduced-size decoding must look like the full decoding scaled
     // down the designed way.
+    // The storage browser's list never draws one item over another, whatever
+    // order the items and their icons arrive in: icons that come after the
+    // list is laid out, a new root, deleted files, files that a recording
+    // adds while the list is shown.
+    void thumbnailsNeverOverlap_data()
+    {
+        QTest::addColumn<int>("pictures");
+        QTest::addColumn<int>("movies");
+        QTest::addRow("2 pictures and a movie") << 2 << 1;
+        QTest::addRow("1,000 items") << 900 << 100;
+    }
+
+    void thumbnailsNeverOverlap()
+    {
+        QFETCH(int, pictures);
+        QFETCH(int, movies);
+        QTemporaryDir dir;
+        const QString first = dir.filePath(QStringLiteral("first"));
+        const QString second = dir.filePath(QStringLiteral("second"));
+        makeRoot(first, pictures, movies);
+        makeRoot(second, 2, 3);
+        QSettings().setValue(SettingsKeys::storageLocation, QString());
+
+        MainWindow window;
+        window.resize(1280, 760);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        auto *view = window.findChild<QListView *>(QStringLiteral("ThumbnailView"));
+        auto *model = qobject_cast<OrvixStorageModel *>(view->model());
+        QSignalSpy shown(model, &OrvixStorageModel::thumbnailShown);
+
+        // Listed and laid out first; the icons follow.
+        model->thumbnailLoader().hold(true);
+        QVERIFY(model->setRootPath(first));
+        QTRY_COMPARE_WITH_TIMEOUT(model->rowCount(), pictures + movies, 20000);
+        QTest::qWait(200);
+        QCOMPARE(overlapping(view), QString());
+        model->thumbnailLoader().hold(false);
+        QTRY_COMPARE_WITH_TIMEOUT(shown.size(), pictures, 30000);
+        QTest::qWait(200);
+        QCOMPARE(overlapping(view), QString());
+
+        // Another root, its icons arriving while it is listed.
+        shown.clear();
+        QVERIFY(model->setRootPath(second));
+        QTRY_COMPARE_WITH_TIMEOUT(model->rowCount(), 5, 10000);
+        QTRY_COMPARE_WITH_TIMEOUT(shown.size(), 2, 10000);
+        QTest::qWait(200);
+        QCOMPARE(overlapping(view), QString());
+
+        // Deleted in the file manager, and added by a recording meanwhile.
+        QVERIFY(QFile::remove(second + QStringLiteral("/Movie/case1_250101_120000.mp4")));
+        for (int i = 0; i < 3; ++i) {
+            writeFile(QStringLiteral("%1/Movie/more%2_250101_130000.mp4").arg(second).arg(i), "movie");
+            QVERIFY(QFile::copy(second + QStringLiteral("/Image/250100_120000.jpg"),
+                                QStringLiteral("%1/Image/250102_1300%2.jpg").arg(second).arg(i, 2, 10, QLatin1Char('0'))));
+            QTest::qWait(150);
+        }
+        QTRY_COMPARE_WITH_TIMEOUT(model->rowCount(), 10, 10000);
+        QTRY_COMPARE_WITH_TIMEOUT(shown.size(), 5, 10000);
+        QTest::qWait(200);
+        QCOMPARE(overlapping(view), QString());
+    }
+
+    // A root chosen while the last one is still being listed shows its own
+    // files only: what the old listing still delivers is not mixed in.
+    void newRootWhileTheOldIsListed()
+    {
+        QTemporaryDir dir;
+        const QString old = dir.filePath(QStringLiteral("old"));
+        const QString chosen = dir.filePath(QStringLiteral("chosen"));
+        makeRoot(old, 300, 20);
+        makeRoot(chosen, 2, 1);
+        OrvixStorageModel model;
+        QVERIFY(model.setRootPath(old));
+        QVERIFY(model.setRootPath(chosen));
+        QTRY_COMPARE(model.rowCount(), 3);
+        QTest::qWait(1500);
+        QCOMPARE(model.rowCount(), 3);
+        for (int row = 0; row < model.rowCount(); ++row)
+            QVERIFY2(QFileInfo::exists(chosen + QStringLiteral("/Image/") + model.item(row)->text())
+                             || QFileInfo::exists(chosen + QStringLiteral("/Movie/") + model.item(row)->text()),
+                     qPrintable(model.item(row)->text()));
+    }
+
     void thumbnailMatchesFullDecoding_data()
     {
         QTest::addColumn<QSize>("size");
