@@ -1,11 +1,16 @@
 // First-run storage folders, the stored root, and the free-space figure.
 #include <QDir>
 #include <QFile>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
 #include <QSettings>
 #include <QStandardPaths>
 
 #include "app/settingskeys.h"
 #include "app/storagefolders.h"
+#include "mainwindow/mainwindow.h"
+#include "storage/orvixstoragemodel.h"
 #include "messageboxwatcher.h"
 #include "orvixtest.h"
 #include "storage/storagepaths.h"
@@ -24,8 +29,15 @@ private slots:
         QDir(devices.documents() + QStringLiteral("/Orvix")).removeRecursively();
     }
 
-    void firstRunCreatesBothFoldersAndStoresTheirParent()
+    // In start-up's order: the window is built before the folders exist; once
+    // they do, the window shows the root as a later start would.
+    void firstRunCreatesBothFoldersAndShowsTheirParent()
     {
+        MainWindow window;
+        auto *field = window.findChild<QLineEdit *>(QStringLiteral("StorageLocationEdit"));
+        auto *model = qobject_cast<OrvixStorageModel *>(window.findChild<QListView *>(QStringLiteral("ThumbnailView"))->model());
+        QCOMPARE(field->text(), QString());
+
         MessageBoxWatcher boxes;
         QVERIFY(StorageFolders::initialize());
         const QString base = StoragePaths::join(devices.documents(), QStringLiteral("Orvix"));
@@ -33,6 +45,15 @@ private slots:
         QVERIFY(QFileInfo(StoragePaths::join(base, QStringLiteral("Image"))).isDir());
         QCOMPARE(QSettings().value(SettingsKeys::storageLocation).toString(), base);
         QVERIFY(boxes.texts.isEmpty());
+
+        window.showStoredStorageRoot();
+        QCOMPARE(field->text(), base);
+        QVERIFY(window.findChild<QLabel *>(QStringLiteral("StorageFreeSpaceLabel"))->text() != QStringLiteral("0%"));
+        QCOMPARE(model->rootPath(), base);
+        QFile movie(StoragePaths::join(base, QStringLiteral("Movie/first_260101_080000.mp4")));
+        QVERIFY(movie.open(QIODevice::WriteOnly));
+        movie.close();
+        QTRY_VERIFY(model->itemForName(QStringLiteral("first_260101_080000.mp4")));
     }
 
     void storedKeyStopsEverything_data()
