@@ -60,7 +60,15 @@ set -e
 env HOME="$work/home" XDG_RUNTIME_DIR="$work/run" PATH="$work/bin:\$PATH" QT_LOGGING_RULES="*.debug=false" \
     "$work/root/usr/bin/orvix" > "$work/program.log" 2>&1 &
 echo \$! > "$work/pid"
-window=\$(xdotool search --sync --onlyvisible --class orvix | head -1)
+# The splash screen is a window of the program's class too, and it closes as
+# the main window comes up: the main window is the one named "Orvix".
+window=""
+for _ in \$(seq 150); do
+    window=\$(xdotool search --onlyvisible --name '^Orvix\$' 2>/dev/null | head -1 || true)
+    [ -n "\$window" ] && break
+    sleep 0.2
+done
+[ -n "\$window" ] || { echo "the main window did not appear" >&2; exit 1; }
 sleep 2
 kill -0 \$(cat "$work/pid")
 xdotool windowfocus --sync "\$window"
