@@ -1,12 +1,16 @@
 // The dialogs through the real window on an X server: picture adjustment
 // seen in the live view, a microphone chosen and heard in the recording,
 // one version dialog, and help opening the manual.
+#include <memory>
+
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDesktopServices>
 #include <QDialog>
 #include <QDir>
+#include <QLabel>
+#include <QLayout>
 #include <QLineEdit>
 #include <QMediaDevices>
 #include <QProcess>
@@ -75,6 +79,27 @@ double toneHz(const QString &movie)
     return count ? crossings / 2.0 / (count / 48000.0) : 0;
 }
 
+// The widgets of the dialog's row that holds `widget`, left to right.
+QList<QWidget *> rowOf(QLayout *layout, QWidget *widget)
+{
+    if (!layout)
+        return {};
+    QList<QWidget *> row;
+    bool found = false;
+    for (int i = 0; i < layout->count(); ++i) {
+        QLayoutItem *item = layout->itemAt(i);
+        if (item->layout()) {
+            const QList<QWidget *> inner = rowOf(item->layout(), widget);
+            if (!inner.isEmpty())
+                return inner;
+        } else if (item->widget()) {
+            row.append(item->widget());
+            found = found || item->widget() == widget;
+        }
+    }
+    return found ? row : QList<QWidget *>();
+}
+
 }
 
 // Stands in for the desktop's viewer.
@@ -132,8 +157,6 @@ private slots:
         QCOMPARE(autos.size(), 11);
         QSlider *brightness = sliders[0];
         QSlider *saturation = sliders[3];
-        QCOMPARE(brightness->minimum(), -50);
-        QCOMPARE(saturation->minimum(), -100);
         QVERIFY(saveScreenshot(dialog, QStringLiteral("dialog-video-quality")));
 
         const double plainLevel = meanLevel(view);
@@ -178,6 +201,69 @@ private slots:
         trigger(window, QStringLiteral("Video Quality Settings"));
         QCOMPARE(window.videoQualityDialog(), dialog);
         QVERIFY(dialog->isVisible());
+    }
+
+    // Each of the eleven rows: its label, its range, the one value it drives,
+    // and its Auto button, which puts that value back to 0.
+    void videoQualityRows_data()
+    {
+        QTest::addColumn<int>("row");
+        QTest::addColumn<QString>("label");
+        QTest::addColumn<int>("minimum");
+        QTest::addColumn<int>("maximum");
+        QTest::addColumn<int>("field"); // index into PictureAdjustments, in declaration order
+        const struct
+        {
+            const char *label;
+            int minimum, maximum, field;
+        } rows[] = { { "Brightness", -50, 80, 0 },  { "Contrast", -100, 100, 1 },     { "hue", 0, 120, 2 },
+                     { "Saturation", -100, 50, 3 }, { "White Balance", -30, 30, 4 }, { "Gamma", -100, 100, 5 },
+                     { "Backlight", -1, 1, 6 },     { "Gain", 0, 100, 7 },           { "Color Enable", -100, 100, 8 },
+                     { "Sharpness", -100, 100, 9 }, { "Exposure", -100, 100, 10 } };
+        for (int i = 0; i < 11; ++i)
+            QTest::addRow("%s", rows[i].label) << i << rows[i].label << rows[i].minimum << rows[i].maximum << rows[i].field;
+    }
+
+    void videoQualityRows()
+    {
+        QFETCH(int, row);
+        QFETCH(QString, label);
+        QFETCH(int, minimum);
+        QFETCH(int, maximum);
+        QFETCH(int, field);
+        if (!rowsWindow) {
+            rowsWindow = std::make_unique<MainWindow>();
+            rowsWindow->showColorDialog();
+        }
+        MainWindow &window = *rowsWindow;
+        QDialog *dialog = window.videoQualityDialog();
+        QVERIFY(dialog);
+        const auto values = [&window] {
+            const PictureAdjustments &a = window.pictureAdjustments();
+            return QList<int> { a.brightness, a.contrast, a.hue, a.saturation, a.whiteBalance, a.gamma,
+                                a.backlight, a.gain, a.colorEnable, a.sharpness, a.exposure };
+        };
+        QSlider *slider = dialog->findChildren<QSlider *>().value(row);
+        QVERIFY(slider);
+        const QList<QWidget *> widgets = rowOf(dialog->layout(), slider);
+        QCOMPARE(widgets.size(), 5);
+        QCOMPARE(qobject_cast<QLabel *>(widgets[0])->text(), label);
+        QCOMPARE(slider->minimum(), minimum);
+        QCOMPARE(slider->maximum(), maximum);
+
+        const int value = maximum != 0 ? maximum : minimum;
+        QList<int> expected(11, 0);
+        expected[field] = value;
+        slider->setValue(value);
+        QCOMPARE(values(), expected);
+
+        auto *autoButton = qobject_cast<QPushButton *>(widgets[4]);
+        QCOMPARE(autoButton->text(), QStringLiteral("Auto"));
+        QTest::mouseClick(autoButton, Qt::LeftButton);
+        QCOMPARE(values(), QList<int>(11, 0));
+        QVERIFY(!slider->isEnabled());
+        QTest::mouseClick(autoButton, Qt::LeftButton);
+        QVERIFY(slider->isEnabled());
     }
 
     void recordDeviceVersionAndHelp()
@@ -246,9 +332,12 @@ private slots:
         QFile::remove(manual);
     }
 
+    void cleanupTestCase() { rowsWindow.reset(); }
+
 private:
     VirtualDevices &devices;
     QString root;
+    std::unique_ptr<MainWindow> rowsWindow;
 };
 
 ORVIX_TEST_MAIN(tst_Dialogs)
