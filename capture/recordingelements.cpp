@@ -2,6 +2,7 @@
 #include "recordingelements.h"
 
 #include "app/orvixlogging.h"
+#include "capture/silencefeeder.h"
 
 #ifdef ORVIX_HAVE_GSTREAMER
 
@@ -104,6 +105,25 @@ void padLinking(GObject *, GstClockTime, GstPad *source, GstPad *)
         gst_object_unref(element);
 }
 
+bool madeBy(GstPad *pad, const char *factoryName)
+{
+    GstElement *element = gst_pad_get_parent_element(pad);
+    GstElementFactory *factory = element ? gst_element_get_factory(element) : nullptr;
+    const bool made = factory && g_str_equal(gst_plugin_feature_get_name(GST_PLUGIN_FEATURE(factory)), factoryName);
+    if (element)
+        gst_object_unref(element);
+    return made;
+}
+
+// A recording's sound branch just linked to its encoder: silence fills in
+// where the microphone falls behind.
+void padLinked(GObject *, GstClockTime, GstPad *source, GstPad *sink, GstPadLinkReturn result)
+{
+    if (result != GST_PAD_LINK_OK || !madeBy(sink, "encodebin") || !g_str_has_prefix(GST_OBJECT_NAME(sink), "audio"))
+        return;
+    SilenceFeeder::watch(source, sink);
+}
+
 // The file writer keeps a few kilobytes in a buffer of its own, which a
 // killed program never writes: the last fragment on disk would end short.
 // Unbuffered, each finished fragment is in the system's hands at once.
@@ -112,6 +132,11 @@ void elementMade(GObject *, GstClockTime, GstElement *element)
     GstElementFactory *factory = gst_element_get_factory(element);
     if (factory && g_str_equal(gst_plugin_feature_get_name(GST_PLUGIN_FEATURE(factory)), "filesink"))
         gst_util_set_object_arg(G_OBJECT(element), "buffer-mode", "unbuffered");
+    // A microphone must not be the clock that the camera, the live view and
+    // the recording keep time by: one that stops, or hands out its sound in
+    // bursts, would hold all of them up. Its sound follows the system clock.
+    if (factory && g_str_equal(gst_plugin_feature_get_name(GST_PLUGIN_FEATURE(factory)), "pulsesrc"))
+        g_object_set(element, "provide-clock", FALSE, nullptr);
 }
 
 // The links and elements are made by Qt, out of reach; a tracer hears of
@@ -119,6 +144,7 @@ void elementMade(GObject *, GstClockTime, GstElement *element)
 void sourceWatcherInit(GTypeInstance *instance, gpointer)
 {
     gst_tracing_register_hook(GST_TRACER(instance), "pad-link-pre", G_CALLBACK(padLinking));
+    gst_tracing_register_hook(GST_TRACER(instance), "pad-link-post", G_CALLBACK(padLinked));
     gst_tracing_register_hook(GST_TRACER(instance), "element-new", G_CALLBACK(elementMade));
 }
 
@@ -343,6 +369,16 @@ int liveMuxers()
     return muxersAlive;
 }
 
+void stopFeedingSilence()
+{
+    SilenceFeeder::stopAll();
+}
+
+int silenceBuffersFed()
+{
+    return SilenceFeeder::buffersFed();
+}
+
 } // namespace RecordingElements
 
 #else
@@ -365,6 +401,13 @@ int releaseKeptMuxers(qint64)
     return 0;
 }
 int liveMuxers()
+{
+    return 0;
+}
+void stopFeedingSilence()
+{
+}
+int silenceBuffersFed()
 {
     return 0;
 }

@@ -8,7 +8,9 @@
 // - the H.264 stream in 4:2:0, which every player and hardware decoder
 //   plays (a YUY2 camera otherwise gets 4:2:2);
 // - an encoder fast enough for 1080p at 30 fps on two cores, without a
-//   look-ahead that a crash would lose.
+//   look-ahead that a crash would lose;
+// - sound that reaches the muxer on time whatever the microphone does
+//   (silencefeeder.h), from a microphone that is not the pipeline's clock.
 #pragma once
 
 #include <QtGlobal>
@@ -35,6 +37,12 @@ int revivedSources();
 int releaseKeptMuxers(qint64 quietMsec = 5000);
 // Muxers alive, for tests.
 int liveMuxers();
+
+// Silence fills in for a microphone that falls behind (see
+// silencefeeder.h). Ends the feeding, for a pipeline that goes away; how
+// many buffers were fed, for tests.
+void stopFeedingSilence();
+int silenceBuffersFed();
 
 // The factory names, for tests and benchmarks.
 inline constexpr const char *muxerName = "orvixmp4mux";

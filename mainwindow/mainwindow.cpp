@@ -72,6 +72,7 @@ MainWindow::MainWindow(QWidget *parent)
 MainWindow::~MainWindow()
 {
     deletePipeline();
+    RecordingElements::stopFeedingSilence();
     deleteAudioSource();
     captureSession.setVideoSink(nullptr);
     livePipeline.reset();
