@@ -18,6 +18,7 @@ OrvixBasicTask::~OrvixBasicTask() = default;
 
 QThread *OrvixBasicTask::runInThread(OrvixBasicTask *task)
 {
+    task->home = task->thread();
     auto *thread = new QThread;
     connect(thread, &QThread::started, task, &OrvixBasicTask::start, Qt::QueuedConnection);
     connect(task, &OrvixBasicTask::finished, thread, &QThread::quit);
@@ -51,5 +52,15 @@ void OrvixBasicTask::start()
 
 void OrvixBasicTask::finish()
 {
+    // The thread that made the task may hold a pointer to it that it reads
+    // unguarded (a QPointer is cleared by the deleting thread): the task goes
+    // back there to announce its end and be deleted, so that the pointer is
+    // cleared on that thread. Without a running home it ends where it is.
+    QThread *back = home.data();
+    if (back && back != thread() && back->isRunning() && back->eventDispatcher()) {
+        moveToThread(back);
+        QMetaObject::invokeMethod(this, &OrvixBasicTask::finished, Qt::QueuedConnection);
+        return;
+    }
     emit finished();
 }

@@ -5,8 +5,8 @@
 
 #include <QMutex>
 #include <QObject>
-
-class QThread;
+#include <QPointer>
+#include <QThread>
 
 class OrvixBasicTask : public QObject
 {
@@ -41,4 +41,8 @@ protected:
     // Written by the thread that aborts, polled by the task's own thread.
     std::atomic_bool aborted = false;
     int timeoutMsec = 0;
+
+private:
+    // The thread the task was made on; it ends and is deleted there.
+    QPointer<QThread> home;
 };
