@@ -16,13 +16,6 @@
 namespace {
 // Every copy uses the same id, so any second start finds the first.
 const QString singleInstanceId = QStringLiteral("E5FA4F21-EC4F-4683-92D7-A8B42E07E133");
-
-// Ends the scheduler thread before the window and the application go, so
-// that no watchdog run meets a half-destroyed process.
-struct SchedulerShutdown
-{
-    ~SchedulerShutdown() { OrvixTaskScheduler::instance()->shutdown(); }
-};
 }
 
 int main(int argc, char *argv[])
@@ -37,7 +30,7 @@ int main(int argc, char *argv[])
         return 0;
 
     MainWindow window;
-    SchedulerShutdown schedulerShutdown;
+    OrvixSchedulerShutdown schedulerShutdown;
     QPixmap pixmap(QStringLiteral(":/res/brand.png"));
     QSplashScreen splash(pixmap);
 

@@ -24,6 +24,7 @@
 #include "capture/recordingelements.h"
 #include "mainwindow/mainwindow.h"
 #include "movieprobe.h"
+#include "tasks/orvixtaskscheduler.h"
 #include "virtualdevices.h"
 
 namespace {
@@ -155,6 +156,7 @@ int main(int argc, char *argv[])
     QApplication app(argc, argv);
     QCoreApplication::setOrganizationName(QStringLiteral("Kelvane"));
     QCoreApplication::setApplicationName(QStringLiteral("Orvix"));
+    OrvixSchedulerShutdown schedulerShutdown;
     const int seconds = argc > 1 ? std::max(5, std::atoi(argv[1])) : 60;
 
     QString error;

@@ -55,3 +55,17 @@ private:
     QList<OrvixScheduledTask *> queue;
     QHash<QString, OrvixScheduledTask *> tasksByName;
 };
+
+// Ends the scheduler thread where it goes out of scope. Declared after the
+// main window, it ends the thread before the window and the application are
+// destroyed: a watchdog run during their destruction, or during the
+// process's own exit, would meet objects half gone.
+class OrvixSchedulerShutdown final
+{
+    Q_DISABLE_COPY_MOVE(OrvixSchedulerShutdown)
+
+public:
+    OrvixSchedulerShutdown() = default;
+    ~OrvixSchedulerShutdown() { OrvixTaskScheduler::instance()->shutdown(); }
+};
+

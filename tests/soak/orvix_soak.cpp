@@ -30,6 +30,7 @@
 #include "mainwindow/mainwindow.h"
 #include "movieprobe.h"
 #include "storage/storagepaths.h"
+#include "tasks/orvixtaskscheduler.h"
 #include "virtualdevices.h"
 
 namespace {
@@ -132,6 +133,7 @@ int main(int argc, char *argv[])
     QSettings().setValue(SettingsKeys::sizeLimit, 7);
 
     MainWindow window;
+    OrvixSchedulerShutdown schedulerShutdown;
     window.resize(1280, 720);
     window.show();
     window.findChild<QLineEdit *>(QStringLiteral("InformationFileNameEdit"))->setText(QStringLiteral("soak"));
@@ -243,10 +245,18 @@ int main(int argc, char *argv[])
     for (const QString &warning : std::as_const(warnings))
         std::printf("warning: %s\n", qPrintable(warning));
 
+    // Growth is judged where the first three samples and the last three are
+    // different ones: from six minutes on.
+    const bool judged = recorded >= 6;
     const double growthMb = (last.rssKb - first.rssKb) / 1024.0;
-    const bool steady = growthMb < 20 && qAbs(last.threads - first.threads) <= 4 && qAbs(last.descriptors - first.descriptors) <= 8;
+    const bool steady = !judged
+            || (growthMb < 20 && qAbs(last.threads - first.threads) <= 4 && qAbs(last.descriptors - first.descriptors) <= 8);
     const bool passed = steady && movies > 0 && unplayable == 0 && withoutInformation == 0 && unreadable == 0
             && images.size() >= snapshots && warnings.isEmpty() && revivals == 0;
-    std::printf("RSS growth, highest of the last three minutes against the first three: %.1f MB: %s\n", growthMb, passed ? "PASS" : "FAIL");
+    if (judged)
+        std::printf("RSS growth, highest of the last three minutes against the first three: %.1f MB\n", growthMb);
+    else
+        std::printf("memory not judged: a soak under six minutes has no first and last three minutes apart\n");
+    std::printf("%s\n", passed ? "PASS" : "FAIL");
     return passed ? 0 : 1;
 }

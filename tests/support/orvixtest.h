@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QtTest>
 
+#include "tasks/orvixtaskscheduler.h"
 #include "virtualdevices.h"
 
 #define ORVIX_TEST_MAIN(TestObject)                                              \
@@ -14,6 +15,7 @@
         QApplication app(argc, argv);                                            \
         QCoreApplication::setOrganizationName(QStringLiteral("Kelvane"));        \
         QCoreApplication::setApplicationName(QStringLiteral("Orvix"));           \
+        OrvixSchedulerShutdown schedulerShutdown;                                \
         TestObject tc(devices);                                                  \
         QTEST_SET_MAIN_SOURCE_PATH                                               \
         return QTest::qExec(&tc, argc, argv);                                    \

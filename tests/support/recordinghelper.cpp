@@ -10,6 +10,7 @@
 
 #include "capture/recordingelements.h"
 #include "mainwindow/mainwindow.h"
+#include "tasks/orvixtaskscheduler.h"
 
 int main(int argc, char *argv[])
 {
@@ -20,6 +21,7 @@ int main(int argc, char *argv[])
         return 2;
 
     MainWindow window;
+    OrvixSchedulerShutdown schedulerShutdown;
     window.show();
     window.findChild<QLineEdit *>(QStringLiteral("InformationFileNameEdit"))->setText(QString::fromLocal8Bit(argv[1]));
     QTimer poll;

@@ -12,6 +12,7 @@
 
 #include "mainwindow/mainwindow.h"
 #include "screenshots.h"
+#include "tasks/orvixtaskscheduler.h"
 #include "virtualdevices.h"
 
 namespace {
@@ -60,6 +61,7 @@ int main(int argc, char *argv[])
     if (!camerasAre(1))
         return 2;
     MainWindow window;
+    OrvixSchedulerShutdown schedulerShutdown;
     window.resize(size);
     window.show();
     QTest::qWaitForWindowExposed(&window);
