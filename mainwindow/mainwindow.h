@@ -276,6 +276,7 @@ private:
     RecordingInformation panelInformation() const;
     RecordingInformation liveRecordingInformation() const;
     void noteRecorderError(QMediaRecorder::Error error, const QString &errorString);
+    static QString folderProblem(const QString &path);
     QString movieFileProblem(const QString &path, bool exists) const;
     void recordingFailed(const QString &reason);
     bool roomToStart(const QString &path);
@@ -283,7 +284,12 @@ private:
     static QString movieFolderNote(const QString &path);
     void checkRecording();
     void showRecordingWarning(const QString &text);
-    static void removeEmptyMovie(const QString &path);
+    void hideRecordingTime();
+    bool removeEmptyMovie(const QString &path, bool tell = true);
+
+    // mainwindow_snapshot.cpp
+    void noteCaptureError(int id, QImageCapture::Error error, const QString &errorString);
+    void checkSnapshots();
 
     // mainwindow_information.cpp
     void refillLiveInformation();
@@ -348,6 +354,13 @@ private:
     QMetaObject::Connection fileSplitConnection;
     QPointer<OrvixDelayTask> splitDelayTask; // the wait before the next file of a split
 
+    // The user's recording, from Record to Stop across the files of a split.
+    // Each start and stop begins a new series: a call still queued from an
+    // earlier one (a split, the next file) finds its series over.
+    bool recordingWanted = false;
+    quint64 recordingSeries = 0;
+    QString lastMovieFile; // the file begun last, for the notices
+
     // The recording guard: the file being written, and what was said of it.
     QString recordingMoviePath;
     QString finishingMoviePath; // stopped, not yet finished
@@ -361,6 +374,10 @@ private:
     QTimer stopWaitTimer;
     QDeadlineTimer stopWaitDeadline;
     QMessageBox *recordingWarning = nullptr;
+    // Snapshots asked for and not yet saved, each with the time it is given.
+    QList<std::pair<QString, QDeadlineTimer>> pendingSnapshots;
+    QTimer snapshotGuardTimer;
+    QString lastCaptureError;
 
     // Settings mirrors and state.
     qint64 sizeLimit = 0;

@@ -10,6 +10,7 @@
 #include <QAudioSource>
 #include <QCamera>
 #include <QCoreApplication>
+#include <QDir>
 #include <QMediaDevices>
 #include <QMediaFormat>
 #include <QPainter>
@@ -75,23 +76,35 @@ void MainWindow::cameraDropped(QList<QCameraDevice> droppedCameras)
         cameraLive = false;
         qCDebug(lcCapture) << "cameraDropped description:" << dropped.description();
         // The file written so far stays playable: it is written in fragments.
+        const bool wasRecording = recordingWanted;
         const QString droppedMovie = std::exchange(recordingMoviePath, QString());
+        recordingWanted = false;
+        ++recordingSeries;
         recordingGuardTimer.stop();
+        stopWaitTimer.stop();
         forgetSplitDelay();
-        if (recorder && recorder->recorderState() != QMediaRecorder::StoppedState) {
+        if (recorder && recorder->recorderState() != QMediaRecorder::StoppedState)
             recorder->stop();
-            abortFileSplitTask();
-        }
+        abortFileSplitTask();
+        hideRecordingTime();
         recordingAnimationLabel->toggle(false);
         videoCaptureButton->setChecked(false);
         deletePipeline();
         startedCameraDevice = QCameraDevice();
         // A file begun after the camera had already gone has sound only.
-        removeEmptyMovie(droppedMovie);
+        const bool removed = removeEmptyMovie(droppedMovie, false);
 
         stopMediaPlayer();
         showWaitingPage();
         setupInvaildUIState();
+        if (wasRecording) {
+            const QString kept = QDir::toNativeSeparators(droppedMovie.isEmpty() ? lastMovieFile : droppedMovie);
+            showRecordingWarning(removed ? tr("The camera was disconnected, so the recording has stopped.\n\n"
+                                              "The file %1 was begun as the camera went and held no picture; "
+                                              "it has been removed.").arg(kept)
+                                         : tr("The camera was disconnected, so the recording has stopped.\n\n"
+                                              "What was recorded is kept in %1.").arg(kept));
+        }
     }
     if (runningDropped && !availableCameras.isEmpty())
         setCamera(availableCameras.first());
@@ -187,6 +200,9 @@ void MainWindow::setCamera(QCameraDevice cameraInfo)
             this, SLOT(captureError( int, QCameraImageCapture::Error, QString )));
     connect(camera, SIGNAL(lockStatusChanged( QCamera::LockStatus, QCamera::LockChangeReason )),
             this, SLOT(updateCameraLockState( QCamera::LockStatus, QCamera::LockChangeReason )));
+    // The error connection above never takes effect; the snapshot guard hears
+    // of failures here instead.
+    connect(imageCapture, &QImageCapture::errorOccurred, this, &MainWindow::noteCaptureError);
 
     captureSession.setCamera(camera);
     camera->setActive(true);

@@ -52,6 +52,7 @@ void MainWindow::setupRecordingGuard()
     recordingClock.start();
     connect(&recordingGuardTimer, &QTimer::timeout, this, &MainWindow::checkRecording);
     connect(&stopWaitTimer, &QTimer::timeout, this, &MainWindow::stopWhenWritten);
+    connect(&snapshotGuardTimer, &QTimer::timeout, this, &MainWindow::checkSnapshots);
 }
 
 // A stop and a new start within one second would give the same name, and
@@ -121,6 +122,8 @@ void MainWindow::captureVideo()
     if (!roomToStart(path) || !nameFitsFileSystem(path))
         return;
     const QString folderNote = movieFolderNote(path);
+    recordingWanted = true;
+    ++recordingSeries;
     beginMovieFile(path);
 
     const RecordingInformation information = liveRecordingInformation();
@@ -164,35 +167,48 @@ void MainWindow::stopRecordingOnceStarted()
 {
     if (stopWaitTimer.isActive())
         return;
+    // Wanted no more from now on: a split asked for meanwhile is not made,
+    // and no next file is started.
+    recordingWanted = false;
     stopWaitDeadline = QDeadlineTimer(maximumStopWaitMsec);
+    stopWaitTimer.start(stopPollMsec);
     stopWhenWritten();
-    if (!recordingMoviePath.isEmpty())
-        stopWaitTimer.start(stopPollMsec);
 }
 
 void MainWindow::stopWhenWritten()
 {
-    if (!recorder || recordingMoviePath.isEmpty() || recorder->recorderState() == QMediaRecorder::StoppedState) {
-        stopWaitTimer.stop();
+    const bool writing = recorder && !recordingMoviePath.isEmpty()
+            && recorder->recorderState() != QMediaRecorder::StoppedState;
+    if (writing && QFileInfo(recordingMoviePath).size() <= emptyMovieBytes && !stopWaitDeadline.hasExpired())
         return;
-    }
-    if (QFileInfo(recordingMoviePath).size() > emptyMovieBytes || stopWaitDeadline.hasExpired()) {
-        stopWaitTimer.stop();
+    stopWaitTimer.stop();
+    // Whatever happened while it waited, the recording ends here.
+    forgetSplitDelay();
+    if (recorder)
         stopRecording();
-    }
 }
 
 void MainWindow::stopRecording()
 {
+    recordingWanted = false;
+    ++recordingSeries;
     // Forgotten first, so that the stop is not taken for a failure.
     if (!recordingMoviePath.isEmpty())
         finishingMoviePath = std::exchange(recordingMoviePath, QString());
     recordingGuardTimer.stop();
     recorder->stop();
-    recordTimeBadge->hide();
+    hideRecordingTime();
     abortFileSplitTask();
-    offsetHours = offsetMinutes = offsetSeconds = 0;
     setupIdleUIState();
+}
+
+// The next recording starts from nothing, also on the badge before its
+// first time arrives.
+void MainWindow::hideRecordingTime()
+{
+    recordTimeBadge->hide();
+    offsetHours = offsetMinutes = offsetSeconds = 0;
+    updateRecordTime(0);
 }
 
 void MainWindow::showFileNameHint()
@@ -211,6 +227,7 @@ void MainWindow::beginMovieFile(const QString &path)
     RecordingElements::releaseKeptMuxers();
     recorder->setOutputLocation(QUrl::fromLocalFile(path));
     liveRecordingInformation().write(StoragePaths::recordingInformationPath(path));
+    lastMovieFile = path;
 }
 
 void MainWindow::watchMovieFile(const QString &path)
@@ -229,7 +246,7 @@ void MainWindow::watchMovieFile(const QString &path)
 void MainWindow::continueCaptureVideo()
 {
     splitDelayTask = nullptr;
-    if (!recorder)
+    if (!recorder || !recordingWanted)
         return;
     if (liveRecordingInformation().fileName.isEmpty()) {
         // The recording stays stopped under the recording state; deliberate.
@@ -258,7 +275,10 @@ void MainWindow::pauseCaptureVideo()
 
 void MainWindow::splitVideoFile()
 {
-    if (!recorder || recorder->recorderState() != QMediaRecorder::RecordingState)
+    if (!recorder || !recordingWanted || recorder->recorderState() != QMediaRecorder::RecordingState)
+        return;
+    // Asked for by the watcher of an earlier file, before it was let go.
+    if (sender() && sender() != fileSplitTask.data())
         return;
     abortFileSplitTask();
     finishingMoviePath = std::exchange(recordingMoviePath, QString());
@@ -274,8 +294,11 @@ void MainWindow::updateRecorderState(QMediaRecorder::RecorderState state)
     removeEmptyMovie(std::exchange(finishingMoviePath, QString()));
     if (splitPending) {
         auto *delay = new OrvixDelayTask;
-        connect(delay, &OrvixDelayTask::delay_surgical, this, [this](int) { continueCaptureVideo(); },
-                Qt::QueuedConnection);
+        // A call already queued when the recording stops still arrives.
+        connect(delay, &OrvixDelayTask::delay_surgical, this, [this, series = recordingSeries](int) {
+            if (series == recordingSeries)
+                continueCaptureVideo();
+        }, Qt::QueuedConnection);
         connect(delay, &QThread::finished, delay, &QObject::deleteLater);
         splitDelayTask = delay;
         delay->start(QThread::InheritPriority);
@@ -289,15 +312,22 @@ void MainWindow::updateRecorderState(QMediaRecorder::RecorderState state)
 }
 
 // A file stopped before its first picture reached it holds only headers,
-// or only sound, and no player opens it; it and its information file go.
-void MainWindow::removeEmptyMovie(const QString &path)
+// or only sound, and no player opens it; it and its information file go,
+// and the user is told (unless the caller tells it its own way).
+bool MainWindow::removeEmptyMovie(const QString &path, bool tell)
 {
     const QFileInfo movie(path);
     if (path.isEmpty() || !movie.exists() || (movie.size() > emptyMovieBytes && MoviePicture::holdsPicture(path)))
-        return;
+        return false;
     qCInfo(lcRecording) << "removing a movie that holds no picture:" << path;
     QFile::remove(path);
     QFile::remove(StoragePaths::recordingInformationPath(path));
+    if (tell)
+        showRecordingWarning(tr("The recording %1 was stopped before the camera's first picture reached it. "
+                                "It held no picture and no player could open it, so it has been removed "
+                                "with its information file.")
+                                     .arg(QDir::toNativeSeparators(path)));
+    return true;
 }
 
 void MainWindow::updateRecordTime(qlonglong duration)
@@ -350,11 +380,11 @@ void MainWindow::noteRecorderError(QMediaRecorder::Error, const QString &errorSt
     lastRecorderError = errorString;
 }
 
-// Why the movie file is not being written, as far as can be seen from here.
-QString MainWindow::movieFileProblem(const QString &path, bool exists) const
+// What keeps a file from being written into its folder, as far as can be
+// seen from here; empty when nothing does.
+QString MainWindow::folderProblem(const QString &path)
 {
-    const QFileInfo file(path);
-    const QFileInfo folder(file.absolutePath());
+    const QFileInfo folder(QFileInfo(path).absolutePath());
     if (!folder.isDir())
         return tr("its folder %1 does not exist").arg(QDir::toNativeSeparators(folder.absoluteFilePath()));
     if (!folder.isWritable())
@@ -362,6 +392,15 @@ QString MainWindow::movieFileProblem(const QString &path, bool exists) const
     const QStorageInfo volume(folder.absoluteFilePath());
     if (volume.isValid() && volume.bytesAvailable() < RecordingGuard::finishReserveBytes)
         return tr("the disk is full");
+    return QString();
+}
+
+// Why the movie file is not being written, as far as can be seen from here.
+QString MainWindow::movieFileProblem(const QString &path, bool exists) const
+{
+    const QString problem = folderProblem(path);
+    if (!problem.isEmpty())
+        return problem;
     if (!lastRecorderError.isEmpty())
         return lastRecorderError;
     return exists ? tr("it has not grown for %1 seconds").arg(RecordingGuard::graceMsec / 1000)

@@ -19,11 +19,11 @@ QByteArray run(const QString &program, const QStringList &arguments, QByteArray 
 
 // Duration from the stream, else from its last packet's end: a file cut
 // short by a crash has no index to say it.
-double streamSeconds(const QJsonObject &stream)
+double streamSeconds(const QJsonObject &stream, const char *key = "duration")
 {
     bool ok = false;
-    const double duration = stream.value(QStringLiteral("duration")).toString().toDouble(&ok);
-    return ok ? duration : 0;
+    const double seconds = stream.value(QLatin1String(key)).toString().toDouble(&ok);
+    return ok ? seconds : 0;
 }
 }
 
@@ -46,9 +46,11 @@ MovieProbe MovieProbe::probe(const QString &path)
             probe.height = stream.value(QStringLiteral("height")).toInt();
             probe.frames = stream.value(QStringLiteral("nb_read_packets")).toString().toLongLong();
             probe.videoSeconds = streamSeconds(stream);
+            probe.videoStart = streamSeconds(stream, "start_time");
         } else if (type == QLatin1String("audio") && probe.audioCodec.isEmpty()) {
             probe.audioCodec = stream.value(QStringLiteral("codec_name")).toString();
             probe.audioSeconds = streamSeconds(stream);
+            probe.audioStart = streamSeconds(stream, "start_time");
         }
     }
     QByteArray errors;
@@ -61,7 +63,8 @@ MovieProbe MovieProbe::probe(const QString &path)
 
 QString MovieProbe::describe() const
 {
-    return QStringLiteral("opened %1, video %2 %3 %4 %5x%6, %7 frames in %8 s (%9 fps), audio %10 %11 s, errors: %12")
+    return QStringLiteral("opened %1, video %2 %3 %4 %5x%6, %7 frames in %8 s (%9 fps) from %13 s, audio %10 %11 s "
+                          "from %14 s, errors: %12")
             .arg(opened)
             .arg(videoCodec, profile, pixelFormat)
             .arg(width)
@@ -71,5 +74,7 @@ QString MovieProbe::describe() const
             .arg(framesPerSecond())
             .arg(audioCodec)
             .arg(audioSeconds)
-            .arg(decodeErrors.left(300));
+            .arg(decodeErrors.left(300))
+            .arg(videoStart)
+            .arg(audioStart);
 }

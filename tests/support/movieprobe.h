@@ -16,6 +16,9 @@ struct MovieProbe
     QString audioCodec;
     double videoSeconds = 0; // from the first to the last frame's end
     double audioSeconds = 0;
+    // Where each stream starts on the movie's time line.
+    double videoStart = 0;
+    double audioStart = 0;
     QString decodeErrors; // what ffmpeg prints decoding the whole file; empty when clean
 
     static MovieProbe probe(const QString &path);

@@ -90,7 +90,7 @@ void VirtualDevices::stopAudio()
     }
 }
 
-bool VirtualDevices::pactl(const QStringList &arguments, QString *error)
+bool VirtualDevices::pactl(const QStringList &arguments, QString *error, QString *output)
 {
     QProcess process;
     process.setProcessEnvironment(environment());
@@ -101,29 +101,66 @@ bool VirtualDevices::pactl(const QStringList &arguments, QString *error)
                                                                QString::fromLocal8Bit(process.readAllStandardError()));
         return false;
     }
+    if (output)
+        *output = QString::fromLocal8Bit(process.readAllStandardOutput()).trimmed();
     return true;
 }
 
-bool VirtualDevices::addMicrophone(const QString &description, int frequency, QString *error)
+bool VirtualDevices::loadModule(int number, const QStringList &arguments, QString *error)
+{
+    QString index;
+    if (!pactl(QStringList(QStringLiteral("load-module")) + arguments, error, &index))
+        return false;
+    microphoneModules[number].prepend(index);
+    return true;
+}
+
+int VirtualDevices::addMicrophone(const QString &description, int frequency, QString *error)
 {
     // A sine played into a sink of its own, heard through that sink's
     // monitor: it delivers as often as the reader asks, as a real microphone
-    // does. module-sine-source hands out two-second blocks, which stalls a
-    // recorder's muxer waiting for sound.
+    // does.
     const int number = nextMicrophone++;
     const QString feed = QStringLiteral("feed%1").arg(number);
-    if (!pactl({ QStringLiteral("load-module"), QStringLiteral("module-null-sink"), QStringLiteral("sink_name=") + feed,
-                 QStringLiteral("sink_properties=device.description=") + feed },
-               error))
-        return false;
-    if (!pactl({ QStringLiteral("load-module"), QStringLiteral("module-sine"), QStringLiteral("sink=") + feed,
-                 QStringLiteral("frequency=%1").arg(frequency) },
-               error))
-        return false;
-    // The outer value in double quotes, the inner in single: nothing else is accepted.
-    return pactl({ QStringLiteral("load-module"), QStringLiteral("module-remap-source"),
-                   QStringLiteral("source_name=mic%1").arg(number), QStringLiteral("master=") + feed + QStringLiteral(".monitor"),
-                   QStringLiteral("source_properties=\"device.description='%1'\"").arg(description) }, error);
+    const bool made = loadModule(number, { QStringLiteral("module-null-sink"), QStringLiteral("sink_name=") + feed,
+                                           QStringLiteral("sink_properties=device.description=") + feed }, error)
+            && loadModule(number, { QStringLiteral("module-sine"), QStringLiteral("sink=") + feed,
+                                    QStringLiteral("frequency=%1").arg(frequency) }, error)
+            // The outer value in double quotes, the inner in single: nothing else is accepted.
+            && loadModule(number, { QStringLiteral("module-remap-source"), QStringLiteral("source_name=mic%1").arg(number),
+                                    QStringLiteral("master=") + feed + QStringLiteral(".monitor"),
+                                    QStringLiteral("source_properties=\"device.description='%1'\"").arg(description) },
+                          error);
+    return made ? number : 0;
+}
+
+int VirtualDevices::addBlockMicrophone(const QString &description, QString *error)
+{
+    const int number = nextMicrophone++;
+    const QString sine = QStringLiteral("sine%1").arg(number);
+    const bool made = loadModule(number, { QStringLiteral("module-sine-source"), QStringLiteral("source_name=") + sine,
+                                           QStringLiteral("frequency=440") }, error)
+            && loadModule(number, { QStringLiteral("module-remap-source"), QStringLiteral("source_name=mic%1").arg(number),
+                                    QStringLiteral("master=") + sine,
+                                    QStringLiteral("source_properties=\"device.description='%1'\"").arg(description) },
+                          error);
+    return made ? number : 0;
+}
+
+bool VirtualDevices::pauseMicrophone(int number, bool paused, QString *error)
+{
+    // A suspended sink's monitor delivers nothing until it is resumed.
+    return pactl({ QStringLiteral("suspend-sink"), QStringLiteral("feed%1").arg(number),
+                   paused ? QStringLiteral("1") : QStringLiteral("0") }, error);
+}
+
+bool VirtualDevices::removeMicrophone(int number, QString *error)
+{
+    for (const QString &module : microphoneModules.take(number)) {
+        if (!pactl({ QStringLiteral("unload-module"), module }, error))
+            return false;
+    }
+    return true;
 }
 
 void VirtualDevices::setCameras(const QStringList &lines)

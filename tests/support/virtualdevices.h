@@ -3,6 +3,7 @@
 // server with virtual microphones.
 #pragma once
 
+#include <QHash>
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QString>
@@ -20,8 +21,16 @@ public:
     // Needs a QCoreApplication. Returns false and says why on failure.
     bool startAudio(QString *error = nullptr);
     void stopAudio();
-    // A microphone whose description is as given, fed by a sine wave.
-    bool addMicrophone(const QString &description, int frequency = 440, QString *error = nullptr);
+    // A microphone whose description is as given, fed by a sine wave. Its
+    // number, from 1, names it for the calls below; 0 on failure.
+    int addMicrophone(const QString &description, int frequency = 440, QString *error = nullptr);
+    // The hard case: PulseAudio's own sine source, which hands out its sound
+    // in blocks of up to 2 s.
+    int addBlockMicrophone(const QString &description, QString *error = nullptr);
+    // A microphone that stops delivering, and starts again (the first kind).
+    bool pauseMicrophone(int number, bool paused, QString *error = nullptr);
+    // Unplugs a microphone for good.
+    bool removeMicrophone(int number, QString *error = nullptr);
 
     // Replaces the plugged-in cameras; the provider notices within 200 ms.
     void setCameras(const QStringList &lines);
@@ -47,9 +56,12 @@ public:
     QProcessEnvironment environment() const;
 
 private:
-    bool pactl(const QStringList &arguments, QString *error);
+    bool pactl(const QStringList &arguments, QString *error, QString *output = nullptr);
+    bool loadModule(int number, const QStringList &arguments, QString *error);
 
     QTemporaryDir root;
     QProcess pulse;
     int nextMicrophone = 1;
+    // The modules that make each microphone, to unload it.
+    QHash<int, QStringList> microphoneModules;
 };

@@ -2,7 +2,10 @@
 // Qt's recorder, checked with ffprobe and ffmpeg; the information files;
 // splitting; snapshots; and the failures an operating room meets: a killed
 // program, a pulled camera, a full disk, a bad file name, a vanished folder.
+#include <algorithm>
 #include <csignal>
+
+#include <unistd.h>
 
 #include <QDeadlineTimer>
 #include <QDir>
@@ -17,6 +20,7 @@
 #include <QRegularExpression>
 #include <QSettings>
 #include <QTextEdit>
+#include <QThread>
 
 #include "app/settingskeys.h"
 #include "capture/recordingelements.h"
@@ -75,6 +79,34 @@ void settle(MainWindow &window)
     QTest::qWait(2000);
 }
 
+// A warning other than the notice that a file without a picture was
+// removed, which a 2-byte limit may well bring.
+QString failureWarning(MainWindow &window)
+{
+    QMessageBox *box = recordingWarning(window);
+    return box && !box->text().contains(QLatin1String("held no picture")) ? box->text() : QString();
+}
+
+bool buttonChecked(MainWindow &window)
+{
+    return window.findChild<QPushButton *>(QStringLiteral("VideoCaptureButton"))->isChecked();
+}
+
+// A small file system of its own at `mountPoint`, for a full or a read-only
+// disk. Only root can mount one; the caller skips elsewhere.
+bool mountSmallDisk(const QString &mountPoint, const QString &size)
+{
+    QDir().mkpath(mountPoint);
+    return QProcess::execute(QStringLiteral("mount"), { QStringLiteral("-t"), QStringLiteral("tmpfs"), QStringLiteral("-o"),
+                                                         QStringLiteral("size=") + size, QStringLiteral("tmpfs"), mountPoint })
+            == 0;
+}
+
+void unmount(const QString &mountPoint)
+{
+    QProcess::execute(QStringLiteral("umount"), { QStringLiteral("-l"), mountPoint });
+}
+
 int badgeSeconds(MainWindow &window)
 {
     const QStringList parts = window.recordingTimeBadge()->text().split(QLatin1Char(':'));
@@ -87,8 +119,9 @@ int badgeSeconds(MainWindow &window)
 int revivedAtStart = 0;
 
 // Plays everywhere: H.264 4:2:0 in High or Main profile, with its sound as
-// long as its picture, decoded from end to end without a complaint.
-void verifyPlayable(const MovieProbe &movie)
+// long as its picture (a microphone that delivers in blocks may leave up to
+// `soundOver` seconds more), decoded from end to end without a complaint.
+void verifyPlayable(const MovieProbe &movie, double soundOver = 0.3)
 {
     const bool gapExplained = RecordingElements::revivedSources() > revivedAtStart;
     if (gapExplained && qAbs(movie.audioSeconds - movie.videoSeconds) > 0.3)
@@ -100,8 +133,10 @@ void verifyPlayable(const MovieProbe &movie)
     QCOMPARE(QSize(movie.width, movie.height), QSize(1920, 1080));
     QCOMPARE(movie.audioCodec, QStringLiteral("mp3"));
     QVERIFY2(movie.audioSeconds > 0, qPrintable(movie.describe()));
-    if (!gapExplained)
-        QVERIFY2(qAbs(movie.audioSeconds - movie.videoSeconds) <= 0.3, qPrintable(movie.describe()));
+    if (!gapExplained) {
+        QVERIFY2(movie.audioSeconds >= movie.videoSeconds - 0.3, qPrintable(movie.describe()));
+        QVERIFY2(movie.audioSeconds <= movie.videoSeconds + soundOver, qPrintable(movie.describe()));
+    }
     QVERIFY2(movie.decodeErrors.isEmpty(), qPrintable(movie.describe()));
 }
 }
@@ -178,13 +213,13 @@ private slots:
         const int badgeAtPause = badgeSeconds(window);
         QTest::qWait(3000);
         QCOMPARE(badgeSeconds(window), badgeAtPause);
-        // Record while paused resumes.
+        // Record while paused resumes. (The minute-long recordings that show
+        // the frame rate holds are the unsteady microphone's.)
         window.captureVideo();
         QVERIFY(recording(window));
-        // A minute in all: long enough to show the frame rate holds.
-        QTest::qWait(56000);
+        QTest::qWait(16000);
         const int badgeAtStop = badgeSeconds(window);
-        QVERIFY2(badgeAtStop >= 59 && badgeAtStop <= 61, qPrintable(window.recordingTimeBadge()->text()));
+        QVERIFY2(badgeAtStop >= 19 && badgeAtStop <= 21, qPrintable(window.recordingTimeBadge()->text()));
 
         window.captureVideo();
         QVERIFY(!window.recordingTimeBadge()->isVisible());
@@ -205,9 +240,76 @@ private slots:
 
         const MovieProbe probe = MovieProbe::probe(movie);
         verifyPlayable(probe);
-        qInfo("recorded 4 s + 56 s around a 3 s pause: %s", qPrintable(probe.describe()));
+        qInfo("recorded 4 s + 16 s around a 3 s pause: %s", qPrintable(probe.describe()));
         // The pause is left out of the file.
-        QVERIFY2(qAbs(probe.videoSeconds - 60) <= 1, qPrintable(probe.describe()));
+        QVERIFY2(qAbs(probe.videoSeconds - 20) <= 1, qPrintable(probe.describe()));
+        QVERIFY2(probe.framesPerSecond() >= 29, qPrintable(probe.describe()));
+    }
+
+    // However the microphone hands out its sound, in blocks of up to 2 s or
+    // not at all for a while, the picture goes into the file at full rate,
+    // the guard has nothing to say and the sound lasts as long as the picture.
+    void unsteadyMicrophone_data()
+    {
+        QTest::addColumn<bool>("blocks");
+        QTest::newRow("2 s blocks") << true;
+        QTest::newRow("stops for 3 s") << false;
+    }
+
+    void unsteadyMicrophone()
+    {
+        QFETCH(bool, blocks);
+        const QString name = QStringLiteral("Orvix High Definition Mic II");
+        QString error;
+        // Of two qualifying microphones the later one is used.
+        const int microphone = blocks ? devices.addBlockMicrophone(name, &error) : devices.addMicrophone(name, 440, &error);
+        QVERIFY2(microphone, qPrintable(error));
+        auto unplug = qScopeGuard([&] { devices.removeMicrophone(microphone); });
+        const QByteArray id = QByteArrayLiteral("mic") + QByteArray::number(microphone);
+        const auto plugged = [&] {
+            const QList<QAudioDevice> inputs = QMediaDevices::audioInputs();
+            return std::any_of(inputs.cbegin(), inputs.cend(), [&](const QAudioDevice &device) { return device.id() == id; });
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(plugged(), 5000);
+
+        MainWindow window;
+        window.show();
+        QVERIFY(window.isCameraLive());
+        // Started at once, the recording meets a block microphone that has
+        // not delivered anything yet.
+        QTest::qWait(blocks ? 300 : 2000);
+        QCOMPARE(window.chosenMicrophoneDevice().id(), id);
+        setField(window, fileNameEdit, QStringLiteral("unsteady"));
+        const int fedBefore = RecordingElements::silenceBuffersFed();
+        window.captureVideo();
+        const QString movie = window.recordingFile();
+        // The live view goes on meanwhile, the hard moments included.
+        FrameStatistics &liveView = window.liveView().statistics();
+        liveView.takePeriod();
+        int leastPerSecond = 1000;
+        for (int second = 0; second < 60; ++second) {
+            if (!blocks && second == 20)
+                QVERIFY2(devices.pauseMicrophone(microphone, true, &error), qPrintable(error));
+            if (!blocks && second == 23)
+                QVERIFY2(devices.pauseMicrophone(microphone, false, &error), qPrintable(error));
+            QTest::qWait(1000);
+            leastPerSecond = qMin(leastPerSecond, liveView.takePeriod().received);
+        }
+        qInfo("the live view received at least %d frames in every second", leastPerSecond);
+        QVERIFY2(!recordingWarning(window), recordingWarning(window) ? qPrintable(recordingWarning(window)->text()) : "");
+        QVERIFY(recording(window));
+        QCOMPARE(window.recordingFile(), movie);
+        window.captureVideo();
+        QTRY_VERIFY_WITH_TIMEOUT(stopped(window), 10000);
+
+        const MovieProbe probe = MovieProbe::probe(movie);
+        qInfo("%s: %s; %d pieces of silence filled in", QTest::currentDataTag(), qPrintable(probe.describe()),
+              RecordingElements::silenceBuffersFed() - fedBefore);
+        // The blocks do leave gaps to fill: the hard case was a hard one.
+        QVERIFY(!blocks || RecordingElements::silenceBuffersFed() > fedBefore);
+        QCOMPARE(RecordingElements::revivedSources(), revivedAtStart);
+        verifyPlayable(probe, blocks ? 1.0 : 0.3);
+        QVERIFY2(qAbs(probe.videoSeconds - 60) <= 1.5, qPrintable(probe.describe()));
         QVERIFY2(probe.framesPerSecond() >= 29, qPrintable(probe.describe()));
     }
 
@@ -234,17 +336,28 @@ private slots:
             QVERIFY2(now >= badge, qPrintable(QStringLiteral("badge went back from %1 to %2").arg(badge).arg(now)));
             badge = now;
         }
-        // Stopping between two files is a stop too.
+        // Stopping between two files is a stop too: no next file follows.
+        QTRY_VERIFY_WITH_TIMEOUT(window.recordingFile().isEmpty() && buttonChecked(window), 10000);
         window.captureVideo();
         QVERIFY(!window.recordingTimeBadge()->isVisible());
-        QTRY_VERIFY_WITH_TIMEOUT(stopped(window), 10000);
+        QVERIFY(!buttonChecked(window));
+        const int stoppedWith = movies(root).size();
         QTest::qWait(2500);
         QVERIFY(stopped(window));
-        QVERIFY(!recordingWarning(window));
-        // Stopped at once: the file still holds enough to play.
+        QVERIFY(window.recordingFile().isEmpty());
+        QCOMPARE(movies(root).size(), stoppedWith);
+        QVERIFY2(failureWarning(window).isEmpty(), qPrintable(failureWarning(window)));
+        // Stopped at once: the stop waits for the file's first picture, and
+        // the file plays.
         window.captureVideo();
+        const QString quick = window.recordingFile();
+        QVERIFY(!quick.isEmpty());
         window.captureVideo();
-        QTRY_VERIFY_WITH_TIMEOUT(stopped(window), 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(stopped(window) && window.recordingFile().isEmpty(), 10000);
+        QTest::qWait(2500);
+        QVERIFY(stopped(window));
+        QVERIFY(movies(root).contains(QFileInfo(quick).fileName()));
+        QCOMPARE(movies(root).size(), stoppedWith + 1);
 
         const QStringList files = movies(root);
         QVERIFY2(files.size() >= 3, qPrintable(files.join(QLatin1Char(' '))));
@@ -265,6 +378,51 @@ private slots:
         QTest::qWait(100);
         RecordingElements::releaseKeptMuxers(0);
         QCOMPARE(RecordingElements::liveMuxers(), 0);
+    }
+
+    // A stop that waits for a new file's first picture is not lost to a
+    // split that comes meanwhile, and no next file follows it.
+    void stopNotLostToASplit()
+    {
+        MainWindow window;
+        settle(window);
+        setField(window, fileNameEdit, QStringLiteral("race"));
+        window.captureVideo();
+        QVERIFY(recording(window));
+        const QString first = window.recordingFile();
+        window.captureVideo();
+        // The size watcher's split, arriving while the stop waits.
+        window.splitVideoFile();
+        QTRY_VERIFY_WITH_TIMEOUT(stopped(window), 10000);
+        // A split's next file would have begun a second after it.
+        QTest::qWait(3000);
+        QVERIFY(stopped(window));
+        QVERIFY(!buttonChecked(window));
+        QVERIFY(!window.recordingTimeBadge()->isVisible());
+        QCOMPARE(movies(root), QStringList(QFileInfo(first).fileName()));
+        verifyPlayable(MovieProbe::probe(first));
+    }
+
+    // The end of a split's one-second pause, already queued when the user
+    // stops, finds the recording over and starts no file.
+    void queuedNextFileAfterAStop()
+    {
+        QSettings().setValue(SettingsKeys::sizeLimit, 7);
+        MainWindow window;
+        settle(window);
+        setField(window, fileNameEdit, QStringLiteral("queued"));
+        window.captureVideo();
+        // The file split off has stopped; the pause before the next runs.
+        QTRY_VERIFY_WITH_TIMEOUT(stopped(window) && buttonChecked(window), 10000);
+        // Busy past the pause: its end is queued, not yet delivered.
+        QThread::msleep(1500);
+        window.captureVideo();
+        QVERIFY(!buttonChecked(window));
+        const int stoppedWith = movies(root).size();
+        QTest::qWait(3000);
+        QVERIFY(stopped(window));
+        QVERIFY(window.recordingFile().isEmpty());
+        QCOMPARE(movies(root).size(), stoppedWith);
     }
 
     // The badge shows one running time over the files of a split recording.
@@ -344,11 +502,37 @@ private slots:
             window.captureVideo();
             movie = window.recordingFile();
             QTest::qWait(runMsec);
+            // Split as if the first file had run for 59:30: the time goes on
+            // from there in the second.
+            window.updateRecordTime((59 * 60 + 30) * 1000);
+            window.splitVideoFile();
+            QTRY_VERIFY_WITH_TIMEOUT(!window.recordingFile().isEmpty(), 5000);
+            const QString second = window.recordingFile();
+            QTRY_VERIFY_WITH_TIMEOUT(badgeSeconds(window) >= 59 * 60 + 31, 5000);
+            QTest::qWait(1500);
             devices.setCameras({});
             QTRY_VERIFY_WITH_TIMEOUT(!window.isCameraLive(), 6000);
             QVERIFY(!window.currentRecorder());
+            // Said, with the file kept; the time shown no more.
+            QTRY_VERIFY_WITH_TIMEOUT(recordingWarning(window), 2000);
+            const QString notice = recordingWarning(window)->text();
+            QVERIFY2(notice.contains(QStringLiteral("disconnected")) && notice.contains(QFileInfo(second).fileName()),
+                     qPrintable(notice));
+            QVERIFY(!window.recordingTimeBadge()->isVisible());
+            QVERIFY(!buttonChecked(window));
+            recordingWarning(window)->close();
+            verifyPlayable(MovieProbe::probe(second));
+
+            // The next recording's time starts from nothing.
             devices.setCameras({ cameraLine() });
             QTRY_VERIFY_WITH_TIMEOUT(window.isCameraLive(), 6000);
+            settle(window);
+            window.captureVideo();
+            QVERIFY(recording(window));
+            QTRY_VERIFY_WITH_TIMEOUT(badgeSeconds(window) >= 1, 5000);
+            QVERIFY2(badgeSeconds(window) < 10, qPrintable(window.recordingTimeBadge()->text()));
+            window.captureVideo();
+            QTRY_VERIFY_WITH_TIMEOUT(stopped(window), 10000);
         }
         const MovieProbe probe = MovieProbe::probe(movie);
         qInfo("%s %.1f s into the recording: %s", QTest::currentDataTag(), runMsec / 1000.0, qPrintable(probe.describe()));
@@ -423,12 +607,12 @@ private slots:
     void fullDisk()
     {
         const QString mountPoint = root + QStringLiteral("/disk");
-        QDir().mkpath(mountPoint);
-        if (QProcess::execute(QStringLiteral("mount"), { QStringLiteral("-t"), QStringLiteral("tmpfs"), QStringLiteral("-o"),
-                                                          QStringLiteral("size=64m"), QStringLiteral("tmpfs"), mountPoint })
-            != 0)
+        if (!mountSmallDisk(mountPoint, QStringLiteral("64m"))) {
+            if (::geteuid() == 0)
+                QFAIL("cannot mount a small file system, though running as root");
             QSKIP("cannot mount a small file system here (needs root)");
-        auto unmount = qScopeGuard([&] { QProcess::execute(QStringLiteral("umount"), { QStringLiteral("-l"), mountPoint }); });
+        }
+        auto unmountDisk = qScopeGuard([&] { unmount(mountPoint); });
         QDir().mkpath(mountPoint + QStringLiteral("/Movie"));
         QSettings().setValue(SettingsKeys::storageLocation, mountPoint);
         // About 10 s of recording before the guard's reserve.
@@ -469,9 +653,23 @@ private slots:
         QCOMPARE(MovieProbe::probe(movie).frames, probe.frames);
     }
 
+    void snapshot_data()
+    {
+        QTest::addColumn<QString>("trouble");
+        QTest::addColumn<QString>("reason"); // empty: the picture is saved
+        QTest::newRow("saved") << QString() << QString();
+        QTest::newRow("Image folder deleted") << "deleted" << "does not exist";
+        QTest::newRow("root read-only") << "read-only" << "cannot be written to";
+        QTest::newRow("disk full") << "full" << "disk is full";
+    }
+
+    // A snapshot is saved, or the user is told within a few seconds that it
+    // was not, and why; the button is ready again either way.
     void snapshot()
     {
-        {
+        QFETCH(QString, trouble);
+        QFETCH(QString, reason);
+        if (trouble.isEmpty()) {
             devices.setCameras({});
             QTRY_VERIFY_WITH_TIMEOUT(QMediaDevices::videoInputs().isEmpty(), 5000);
             MainWindow window;
@@ -480,21 +678,61 @@ private slots:
             devices.setCameras({ cameraLine() });
             QTRY_COMPARE_WITH_TIMEOUT(QMediaDevices::videoInputs().size(), 1, 5000);
         }
+        QString images = root + QStringLiteral("/Image");
+        QString mountPoint;
+        auto unmountDisk = qScopeGuard([&] {
+            if (!mountPoint.isEmpty())
+                unmount(mountPoint);
+        });
+        if (!trouble.isEmpty() && trouble != QLatin1String("deleted")) {
+            mountPoint = root + QStringLiteral("/disk");
+            if (!mountSmallDisk(mountPoint, QStringLiteral("2m"))) {
+                mountPoint.clear();
+                if (::geteuid() == 0)
+                    QFAIL("cannot mount a small file system, though running as root");
+                QSKIP("cannot mount a small file system here (needs root)");
+            }
+            images = mountPoint + QStringLiteral("/Image");
+            QVERIFY(QDir().mkpath(images));
+            QSettings().setValue(SettingsKeys::storageLocation, mountPoint);
+            if (trouble == QLatin1String("read-only")) {
+                QCOMPARE(QProcess::execute(QStringLiteral("mount"), { QStringLiteral("-o"), QStringLiteral("remount,ro"), mountPoint }), 0);
+            } else {
+                QFile filler(mountPoint + QStringLiteral("/filler"));
+                QVERIFY(filler.open(QIODevice::WriteOnly));
+                while (filler.write(QByteArray(64 * 1024, 'x')) > 0) { }
+            }
+        }
+
         MainWindow window;
         auto *button = window.findChild<QPushButton *>(QStringLiteral("ImageCaptureButton"));
         QTRY_VERIFY_WITH_TIMEOUT(button->isEnabled(), 5000);
         // Not in the first second of the camera: the picture must show it.
         QTest::qWait(1500);
+        // Deleted in the file manager while the program runs.
+        if (trouble == QLatin1String("deleted"))
+            QVERIFY(QDir(images).removeRecursively());
         const QDateTime before = QDateTime::currentDateTime();
         window.captureStillImage();
         QVERIFY(!button->isEnabled());
         QTRY_VERIFY_WITH_TIMEOUT(button->isEnabled(), 10000);
-        const QStringList images = QDir(root + QStringLiteral("/Image")).entryList(QDir::Files);
-        QCOMPARE(images.size(), 1);
-        QVERIFY2(images.first() == before.toString(QStringLiteral("yyMMdd_hhmmss.jpg"))
-                         || images.first() == before.addSecs(1).toString(QStringLiteral("yyMMdd_hhmmss.jpg")),
-                 qPrintable(images.first()));
-        const QImage picture(root + QStringLiteral("/Image/") + images.first());
+
+        if (!reason.isEmpty()) {
+            QTRY_VERIFY_WITH_TIMEOUT(recordingWarning(window), 4000);
+            const QString text = recordingWarning(window)->text();
+            QVERIFY2(text.contains(QStringLiteral("was not saved")) && text.contains(reason)
+                             && text.contains(QDir::toNativeSeparators(images)),
+                     qPrintable(text));
+            return;
+        }
+        QTest::qWait(3000);
+        QVERIFY2(!recordingWarning(window), recordingWarning(window) ? qPrintable(recordingWarning(window)->text()) : "");
+        const QStringList saved = QDir(images).entryList({ QStringLiteral("*.jpg") }, QDir::Files);
+        QCOMPARE(saved.size(), 1);
+        QVERIFY2(saved.first() == before.toString(QStringLiteral("yyMMdd_hhmmss.jpg"))
+                         || saved.first() == before.addSecs(1).toString(QStringLiteral("yyMMdd_hhmmss.jpg")),
+                 qPrintable(saved.first()));
+        const QImage picture(images + QLatin1Char('/') + saved.first());
         QCOMPARE(picture.size(), QSize(1920, 1080));
         QVERIFY(picture.pixel(960, 270) != picture.pixel(10, 1070));
     }
