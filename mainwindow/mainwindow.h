@@ -345,6 +345,7 @@ private:
     QAudioSource *audioSource = nullptr;
     QAudioSink *audioSink = nullptr;
     QIODevice *audioSourceDevice = nullptr;
+    QMetaObject::Connection levelConnection;
 
     OrvixDeviceWatchDogTask *watchDog = nullptr;
     // The watcher of the file being written. It lets itself go as soon as it

@@ -243,8 +243,13 @@ void MainWindow::setupLevelMeter()
         audioSourceDevice = audioSource->start();
     // Exists and plays nothing.
     audioSink->setVolume(1.0);
-    if (audioSourceDevice)
-        connect(audioSourceDevice, &QIODevice::readyRead, audioSourceDevice, [this] { readMicrophoneLevel(); });
+    if (audioSourceDevice) {
+        levelConnection = connect(audioSourceDevice, &QIODevice::readyRead, audioSourceDevice,
+                                  [window = QPointer<MainWindow>(this)] {
+                                      if (window)
+                                          window->readMicrophoneLevel();
+                                  });
+    }
 }
 
 void MainWindow::deleteAudioSource()
@@ -255,6 +260,10 @@ void MainWindow::deleteAudioSource()
     // of a set-up or a teardown would deliver any queued call, the
     // watchdog's included: it is deleted later, from the loop itself.
     audioSourceDevice = nullptr;
+    // The device lives on until the source is deleted later: its readings
+    // must not reach a window that is gone (one already queued is stopped by
+    // the guard in the connection itself).
+    disconnect(levelConnection);
     if (!audioSource)
         return;
     audioSource->disconnect(this);
