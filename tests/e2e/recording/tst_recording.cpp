@@ -246,19 +246,25 @@ private slots:
         QVERIFY2(probe.framesPerSecond() >= 29, qPrintable(probe.describe()));
     }
 
-    // However the microphone hands out its sound, in blocks of up to 2 s or
-    // not at all for a while, the picture goes into the file at full rate,
-    // the guard has nothing to say and the sound lasts as long as the picture.
+    // However the microphone hands out its sound, in blocks of up to 2 s, not
+    // at all for a while, or not at all once it is unplugged, the picture goes
+    // into the file at full rate, the guard has nothing to say and the sound
+    // lasts as long as the picture.
     void unsteadyMicrophone_data()
     {
         QTest::addColumn<bool>("blocks");
-        QTest::newRow("2 s blocks") << true;
-        QTest::newRow("stops for 3 s") << false;
+        QTest::addColumn<bool>("unplugged");
+        QTest::addColumn<int>("seconds");
+        QTest::newRow("2 s blocks") << true << false << 60;
+        QTest::newRow("stops for 3 s") << false << false << 60;
+        QTest::newRow("unplugged") << false << true << 30;
     }
 
     void unsteadyMicrophone()
     {
         QFETCH(bool, blocks);
+        QFETCH(bool, unplugged);
+        QFETCH(int, seconds);
         const QString name = QStringLiteral("Orvix High Definition Mic II");
         QString error;
         // Of two qualifying microphones the later one is used.
@@ -287,10 +293,12 @@ private slots:
         FrameStatistics &liveView = window.liveView().statistics();
         liveView.takePeriod();
         int leastPerSecond = 1000;
-        for (int second = 0; second < 60; ++second) {
-            if (!blocks && second == 20)
+        for (int second = 0; second < seconds; ++second) {
+            if (unplugged && second == 10)
+                QVERIFY2(devices.removeMicrophone(microphone, &error), qPrintable(error));
+            else if (!blocks && !unplugged && second == 20)
                 QVERIFY2(devices.pauseMicrophone(microphone, true, &error), qPrintable(error));
-            if (!blocks && second == 23)
+            else if (!blocks && !unplugged && second == 23)
                 QVERIFY2(devices.pauseMicrophone(microphone, false, &error), qPrintable(error));
             QTest::qWait(1000);
             leastPerSecond = qMin(leastPerSecond, liveView.takePeriod().received);
@@ -309,7 +317,7 @@ private slots:
         QVERIFY(!blocks || RecordingElements::silenceBuffersFed() > fedBefore);
         QCOMPARE(RecordingElements::revivedSources(), revivedAtStart);
         verifyPlayable(probe, blocks ? 1.0 : 0.3);
-        QVERIFY2(qAbs(probe.videoSeconds - 60) <= 1.5, qPrintable(probe.describe()));
+        QVERIFY2(qAbs(probe.videoSeconds - seconds) <= 1.5, qPrintable(probe.describe()));
         QVERIFY2(probe.framesPerSecond() >= 29, qPrintable(probe.describe()));
     }
 
