@@ -7,10 +7,13 @@
 #include <QFile>
 #include <QImage>
 #include <QListView>
+#include <QMessageBox>
 #include <QPainter>
+#include <QPushButton>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QTimer>
 
 #include "app/settingskeys.h"
 #include "mainwindow/mainwindow.h"
@@ -263,6 +266,47 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(shown.size(), 5, 10000);
         QTest::qWait(200);
         QCOMPARE(overlapping(view), QString());
+    }
+
+    // The file asked about is deleted in the file manager while the question
+    // is open, and its item leaves the list meanwhile: the answer still
+    // deletes the right things, and touches no item that is gone.
+    void deleteWhileTheListChanges()
+    {
+        QTemporaryDir dir;
+        const QString root = dir.filePath(QStringLiteral("root"));
+        makeRoot(root, 2, 2);
+        const QString movie = root + QStringLiteral("/Movie/case0_250101_120000.mp4");
+        const QString information = root + QStringLiteral("/Movie/case0_250101_120000.ini");
+        writeFile(information, "[Orvix]\n");
+        QSettings().setValue(SettingsKeys::storageLocation, root);
+
+        MainWindow window;
+        auto *view = window.findChild<QListView *>(QStringLiteral("ThumbnailView"));
+        auto *model = qobject_cast<OrvixStorageModel *>(view->model());
+        QTRY_COMPARE(model->rowCount(), 4);
+        view->setCurrentIndex(model->itemForName(QStringLiteral("case0_250101_120000.mp4"))->index());
+
+        QString asked;
+        QTimer answer;
+        connect(&answer, &QTimer::timeout, this, [&] {
+            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            if (!box || !box->isVisible())
+                return;
+            answer.stop();
+            asked = box->text();
+            QFile::remove(movie);
+            QTRY_COMPARE(model->rowCount(), 3);
+            box->button(QMessageBox::Yes)->click();
+        });
+        answer.start(20);
+        window.removeSelectedFile();
+
+        QCOMPARE(asked, QStringLiteral("Do you want to delete\n") + movie);
+        QVERIFY(!QFileInfo::exists(information));
+        QCOMPARE(model->rowCount(), 3);
+        QVERIFY(model->itemForName(QStringLiteral("case1_250101_120000.mp4")));
+        QVERIFY(QFileInfo::exists(root + QStringLiteral("/Movie/case1_250101_120000.mp4")));
     }
 
     // A root chosen while the last one is still being listed shows its own
