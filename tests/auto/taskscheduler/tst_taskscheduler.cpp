@@ -1,6 +1,7 @@
 // The scheduler's ordering and timing rules and the one-shot task classes.
 #include <QElapsedTimer>
 #include <QMutex>
+#include <QPointer>
 #include <QSignalSpy>
 #include <QTemporaryFile>
 
@@ -235,6 +236,24 @@ private slots:
         QTRY_COMPARE(destroyed.size(), 1);
         QTRY_COMPARE(threadGone.size(), 1);
         QCOMPARE(failed.size(), expectFailed ? 1 : 0);
+    }
+
+    // The thread that made a task reads its pointer to it unguarded, so the
+    // task ends and is deleted there, never under the reader on its own thread.
+    void basicTaskIsDeletedWhereItWasMade()
+    {
+        auto *task = new SleepingTask(0, 20);
+        QPointer<OrvixBasicTask> pointer(task);
+        QThread *deletedOn = nullptr;
+        QThread *finishedOn = nullptr;
+        connect(task, &QObject::destroyed, task, [&] { deletedOn = QThread::currentThread(); }, Qt::DirectConnection);
+        connect(task, &OrvixBasicTask::finished, task, [&] { finishedOn = QThread::currentThread(); }, Qt::DirectConnection);
+        QThread *thread = OrvixBasicTask::runInThread(task);
+        QSignalSpy threadGone(thread, &QObject::destroyed);
+        QTRY_VERIFY(pointer.isNull());
+        QCOMPARE(finishedOn, QThread::currentThread());
+        QCOMPARE(deletedOn, QThread::currentThread());
+        QTRY_COMPARE(threadGone.size(), 1);
     }
 
     void abortIsPolledByTheRunningTask()
