@@ -285,33 +285,38 @@ void drawSplash()
     save(image, QStringLiteral("brand.png"));
 }
 
+// The program's icon, drawn on a 256 grid at each of the desktop's usual
+// sizes; orvix.png is the window's own, the rest go to the icon theme.
 void drawIcon()
 {
-    QImage image = canvas(256, 256);
-    QPainter p(&image);
-    p.setRenderHint(QPainter::Antialiasing);
-    QLinearGradient background(0, 0, 0, 256);
-    background.setColorAt(0, QColor(58, 64, 72));
-    background.setColorAt(1, QColor(22, 24, 28));
-    p.setPen(Qt::NoPen);
-    p.setBrush(background);
-    p.drawRoundedRect(QRectF(8, 8, 240, 240), 52, 52);
-    const QPointF centre(128, 128);
-    p.setBrush(Qt::NoBrush);
-    p.setPen(QPen(accent, 14));
-    p.drawEllipse(centre, 76, 76);
-    p.setPen(QPen(QColor(86, 183, 203, 120), 8));
-    p.drawEllipse(centre, 52, 52);
-    QRadialGradient pupil(centre, 34);
-    pupil.setColorAt(0, QColor(180, 240, 250));
-    pupil.setColorAt(1, QColor(26, 100, 120));
-    p.setPen(Qt::NoPen);
-    p.setBrush(pupil);
-    p.drawEllipse(centre, 32, 32);
-    p.setBrush(record);
-    p.drawEllipse(QPointF(198, 58), 14, 14);
-    p.end();
-    save(image, QStringLiteral("orvix.png"));
+    for (const int size : { 16, 24, 32, 48, 64, 128, 256 }) {
+        QImage image = canvas(size, size);
+        QPainter p(&image);
+        p.setRenderHint(QPainter::Antialiasing);
+        p.scale(size / 256.0, size / 256.0);
+        QLinearGradient background(0, 0, 0, 256);
+        background.setColorAt(0, QColor(58, 64, 72));
+        background.setColorAt(1, QColor(22, 24, 28));
+        p.setPen(Qt::NoPen);
+        p.setBrush(background);
+        p.drawRoundedRect(QRectF(8, 8, 240, 240), 52, 52);
+        const QPointF centre(128, 128);
+        p.setBrush(Qt::NoBrush);
+        p.setPen(QPen(accent, 14));
+        p.drawEllipse(centre, 76, 76);
+        p.setPen(QPen(QColor(86, 183, 203, 120), 8));
+        p.drawEllipse(centre, 52, 52);
+        QRadialGradient pupil(centre, 34);
+        pupil.setColorAt(0, QColor(180, 240, 250));
+        pupil.setColorAt(1, QColor(26, 100, 120));
+        p.setPen(Qt::NoPen);
+        p.setBrush(pupil);
+        p.drawEllipse(centre, 32, 32);
+        p.setBrush(record);
+        p.drawEllipse(QPointF(198, 58), 14, 14);
+        p.end();
+        save(image, size == 256 ? QStringLiteral("orvix.png") : QStringLiteral("icons/%1x%1/orvix.png").arg(size));
+    }
 }
 
 void drawPanels()
