@@ -23,6 +23,8 @@ int main(int argc, char *argv[])
     QCoreApplication::setOrganizationName(QStringLiteral("Kelvane"));
     QCoreApplication::setOrganizationDomain(QStringLiteral("kelvane.com"));
     QCoreApplication::setApplicationName(QStringLiteral("Orvix"));
+    // Ties the window to its menu entry (the Wayland app id, the dock's icon).
+    QGuiApplication::setDesktopFileName(QStringLiteral("com.kelvane.Orvix"));
 
     MemoryTuning::apply();
     OrvixSingleApplication app(singleInstanceId, argc, argv);
