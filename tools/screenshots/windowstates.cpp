@@ -1,33 +1,128 @@
-// The manual's pictures of the main window: waiting for a camera, live and
-// idle, and recording, at 1280x720, against the virtual camera and
-// microphone on the X server it is started on.
-// Usage: orvix_window_screenshots <folder>
+// Every picture of the manual and the README, taken again from the real
+// window against the virtual camera and microphone, in a home folder that
+// reads like a user's: waiting for a camera, live, recording, the menus,
+// the dialogs, and a snapshot and a movie opened from the storage browser.
+// Usage: orvix_window_screenshots <folder>   (on an X server, 1920x1080)
 #include <cstdio>
 
+#include <QAbstractButton>
 #include <QApplication>
+#include <QDialog>
+#include <QDir>
 #include <QLineEdit>
+#include <QListView>
 #include <QMediaDevices>
 #include <QMediaRecorder>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPainter>
+#include <QScreen>
+#include <QSettings>
+#include <QStandardItem>
 #include <QTest>
+#include <QTextEdit>
 
+#include "app/settingskeys.h"
 #include "mainwindow/mainwindow.h"
 #include "screenshots.h"
+#include "storage/orvixstoragemodel.h"
 #include "tasks/orvixtaskscheduler.h"
 #include "virtualdevices.h"
 
 namespace {
+const QSize windowSize(1280, 720);
+
 bool camerasAre(int count)
 {
     return QTest::qWaitFor([count] { return QMediaDevices::videoInputs().size() == count; }, 5000);
 }
 
-bool shoot(QWidget *window, const QString &name)
+bool shoot(QWidget *widget, const QString &name)
 {
-    const bool saved = saveScreenshot(window, name);
+    const bool saved = widget && saveScreenshot(widget, name);
     std::printf("%s %s\n", qPrintable(name), saved ? "saved" : "NOT saved");
     return saved;
 }
+
+// The information of a case, as a user types it.
+void fillInformation(MainWindow &window, const QStringList &texts)
+{
+    static const char *const names[] = { "InformationFileNameEdit", "InformationDoctorNameEdit",
+                                         "InformationPatientNameEdit", "InformationHospitalNameEdit" };
+    for (int i = 0; i < 4; ++i)
+        window.findChild<QLineEdit *>(QLatin1String(names[i]))->setText(texts.value(i));
+    window.findChild<QTextEdit *>(QStringLiteral("InformationCommentEdit"))->setPlainText(texts.value(4));
 }
+
+bool record(MainWindow &window, int msec)
+{
+    window.captureVideo();
+    QTest::qWait(msec);
+    window.captureVideo();
+    return QTest::qWaitFor([&] { return window.currentRecorder()->recorderState() == QMediaRecorder::StoppedState; }, 10000);
+}
+
+// A double click on the file's thumbnail, as the user opens it.
+bool openStored(MainWindow &window, const QString &folder, const QString &pattern)
+{
+    auto *view = window.findChild<QListView *>(QStringLiteral("ThumbnailView"));
+    auto *model = qobject_cast<OrvixStorageModel *>(view->model());
+    const QString name = QDir(folder).entryList({ pattern }).value(0);
+    QStandardItem *item = nullptr;
+    if (name.isEmpty() || !QTest::qWaitFor([&] { return (item = model->itemForName(name)) && !item->icon().isNull(); }, 5000))
+        return false;
+    view->scrollTo(item->index());
+    const QPoint centre = view->visualRect(item->index()).center();
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, centre);
+    QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, centre);
+    return true;
+}
+
+// The six menus opened one after another, side by side in one picture,
+// each under its title.
+bool shootMenus(MainWindow &window, const QString &folder)
+{
+    QMenuBar *bar = window.menuBar();
+    struct Opened { QPixmap title, menu; };
+    QList<Opened> opened;
+    for (QAction *action : bar->actions()) {
+        QMenu *menu = action->menu();
+        if (!menu)
+            continue;
+        const QRect title(bar->mapToGlobal(bar->actionGeometry(action).topLeft()), bar->actionGeometry(action).size());
+        menu->popup(title.bottomLeft());
+        if (!QTest::qWaitForWindowExposed(menu))
+            return false;
+        QTest::qWait(400);
+        const QRect area = menu->frameGeometry();
+        opened.append({ window.screen()->grabWindow(0, title.x(), title.y(), title.width(), title.height()),
+                        window.screen()->grabWindow(0, area.x(), area.y(), area.width(), area.height()) });
+        menu->hide();
+        QTest::qWait(200);
+    }
+    if (opened.isEmpty())
+        return false;
+    const int gap = 16;
+    QSize size(gap, 0);
+    for (const Opened &one : opened) {
+        size.rwidth() += qMax(one.title.width(), one.menu.width()) + gap;
+        size.setHeight(qMax(size.height(), one.title.height() + one.menu.height() + 2 * gap));
+    }
+    QPixmap sheet(size);
+    sheet.fill(window.menuBar()->palette().color(QPalette::Window));
+    QPainter painter(&sheet);
+    int x = gap;
+    for (const Opened &one : opened) {
+        painter.drawPixmap(x, gap, one.title);
+        painter.drawPixmap(x, gap + one.title.height(), one.menu);
+        x += qMax(one.title.width(), one.menu.width()) + gap;
+    }
+    painter.end();
+    const bool saved = sheet.save(folder + QStringLiteral("/menus.png"));
+    std::printf("menus %s\n", saved ? "saved" : "NOT saved");
+    return saved;
+}
+} // namespace
 
 int main(int argc, char *argv[])
 {
@@ -35,15 +130,22 @@ int main(int argc, char *argv[])
     QApplication app(argc, argv);
     QCoreApplication::setOrganizationName(QStringLiteral("Kelvane"));
     QCoreApplication::setApplicationName(QStringLiteral("Orvix"));
-    if (argc > 1)
-        qputenv("ORVIX_SCREENSHOT_DIR", argv[1]);
+    const QString folder = QDir(argc > 1 ? QString::fromLocal8Bit(argv[1]) : QStringLiteral("screenshots")).absolutePath();
+    qputenv("ORVIX_SCREENSHOT_DIR", folder.toLocal8Bit());
     QString error;
     if (!devices.startAudio(&error) || !devices.addMicrophone(QStringLiteral("Orvix High Definition Mic II"), 440, &error)) {
         std::fprintf(stderr, "sound server: %s\n", qPrintable(error));
         return 2;
     }
-    devices.makeStorageRoot(QStringLiteral("manual"));
-    const QSize size(1280, 720);
+    // The storage folder a first start makes.
+    const QString root = devices.documents() + QStringLiteral("/Orvix/");
+    QDir().mkpath(root + QStringLiteral("Movie"));
+    QDir().mkpath(root + QStringLiteral("Image"));
+    {
+        QSettings settings;
+        settings.setValue(SettingsKeys::storageLocation, root);
+        settings.setValue(SettingsKeys::sizeLimit, 0);
+    }
     bool saved = true;
 
     devices.setCameras({});
@@ -51,9 +153,9 @@ int main(int argc, char *argv[])
         return 2;
     {
         MainWindow waiting;
-        waiting.resize(size);
+        waiting.resize(windowSize);
         waiting.show();
-        QTest::qWaitForWindowExposed(&waiting);
+        saved &= QTest::qWaitForWindowExposed(&waiting);
         saved &= shoot(&waiting, QStringLiteral("invalid-1280x720"));
     }
 
@@ -62,18 +164,57 @@ int main(int argc, char *argv[])
         return 2;
     MainWindow window;
     OrvixSchedulerShutdown schedulerShutdown;
-    window.resize(size);
+    window.resize(windowSize);
     window.show();
-    QTest::qWaitForWindowExposed(&window);
+    saved &= QTest::qWaitForWindowExposed(&window);
     // The camera restarts once with its format; the picture has settled by then.
     QTest::qWait(3000);
     saved &= shoot(&window, QStringLiteral("idle-1280x720"));
 
-    window.findChild<QLineEdit *>(QStringLiteral("InformationFileNameEdit"))->setText(QStringLiteral("case 12"));
+    // A case recorded, with a snapshot taken on the way.
+    fillInformation(window, { QStringLiteral("case12"), QStringLiteral("Dr. Weber"), QStringLiteral("Anna Berger"),
+                              QStringLiteral("St. Elisabeth"), QStringLiteral("Laparoscopic cholecystectomy") });
     window.captureVideo();
+    QTest::qWait(2000);
+    window.captureStillImage();
+    // The movie and the snapshot in the list with their pictures.
+    auto *model = qobject_cast<OrvixStorageModel *>(window.findChild<QListView *>(QStringLiteral("ThumbnailView"))->model());
+    saved &= QTest::qWaitFor([model] {
+        return model->rowCount() == 2 && !model->item(0)->icon().isNull() && !model->item(1)->icon().isNull();
+    }, 5000);
     QTest::qWait(2500);
     saved &= shoot(&window, QStringLiteral("recording-1280x720"));
     window.captureVideo();
-    QTest::qWaitFor([&] { return window.currentRecorder()->recorderState() == QMediaRecorder::StoppedState; }, 10000);
+    saved &= QTest::qWaitFor([&] { return window.currentRecorder()->recorderState() == QMediaRecorder::StoppedState; }, 10000);
+    fillInformation(window, { QStringLiteral("case13"), QStringLiteral("Dr. Weber"), QString(),
+                              QStringLiteral("St. Elisabeth"), QString() });
+    saved &= record(window, 3000);
+
+    saved &= shootMenus(window, folder);
+    window.version();
+    saved &= shoot(window.versionDialog(), QStringLiteral("dialog-version"));
+    window.versionDialog()->hide();
+    window.showColorDialog();
+    saved &= shoot(window.videoQualityDialog(), QStringLiteral("dialog-video-quality"));
+    window.videoQualityDialog()->hide();
+    window.videoSettings();
+    saved &= shoot(window.recordDeviceDialog(), QStringLiteral("dialog-record-device"));
+    window.recordDeviceDialog()->hide();
+
+    saved &= openStored(window, root + QStringLiteral("Image"), QStringLiteral("*.jpg"));
+    QTest::qWait(1000);
+    saved &= shoot(&window, QStringLiteral("storage-image"));
+
+    // The first movie, its information corrected in the browser as the
+    // manual describes.
+    saved &= openStored(window, root + QStringLiteral("Movie"), QStringLiteral("case12_*.mp4"));
+    QTest::qWait(1500);
+    auto *edit = window.findChild<QAbstractButton *>(QStringLiteral("InformationEditButton"));
+    edit->click();
+    fillInformation(window, { QStringLiteral("case12"), QStringLiteral("Dr. Weber"), QStringLiteral("Anna Berger"),
+                              QStringLiteral("St. Elisabeth"), QStringLiteral("Laparoscopic cholecystectomy, gallstones removed") });
+    edit->click();
+    QTest::qWait(500);
+    saved &= shoot(&window, QStringLiteral("storage-movie"));
     return saved ? 0 : 1;
 }
