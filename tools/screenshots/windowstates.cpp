@@ -44,6 +44,16 @@ bool shoot(QWidget *widget, const QString &name)
     return saved;
 }
 
+// A dialog as it paints itself: without a window manager the X screen can
+// still show a piece of the window closed before it.
+bool shootDialog(QWidget *dialog, const QString &folder, const QString &name)
+{
+    QTest::qWait(500);
+    const bool saved = dialog && dialog->grab().save(folder + QLatin1Char('/') + name + QStringLiteral(".png"));
+    std::printf("%s %s\n", qPrintable(name), saved ? "saved" : "NOT saved");
+    return saved;
+}
+
 // The information of a case, as a user types it.
 void fillInformation(MainWindow &window, const QStringList &texts)
 {
@@ -192,13 +202,13 @@ int main(int argc, char *argv[])
 
     saved &= shootMenus(window, folder);
     window.version();
-    saved &= shoot(window.versionDialog(), QStringLiteral("dialog-version"));
+    saved &= shootDialog(window.versionDialog(), folder, QStringLiteral("dialog-version"));
     window.versionDialog()->hide();
     window.showColorDialog();
-    saved &= shoot(window.videoQualityDialog(), QStringLiteral("dialog-video-quality"));
+    saved &= shootDialog(window.videoQualityDialog(), folder, QStringLiteral("dialog-video-quality"));
     window.videoQualityDialog()->hide();
     window.videoSettings();
-    saved &= shoot(window.recordDeviceDialog(), QStringLiteral("dialog-record-device"));
+    saved &= shootDialog(window.recordDeviceDialog(), folder, QStringLiteral("dialog-record-device"));
     window.recordDeviceDialog()->hide();
 
     saved &= openStored(window, root + QStringLiteral("Image"), QStringLiteral("*.jpg"));
