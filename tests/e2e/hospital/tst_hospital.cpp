@@ -1,0 +1,177 @@
+// The hospital's systems against a real PACS (Orthanc, started here): is
+// it there, what does the worklist hold for this station today.
+#include <QTcpServer>
+
+#include "hospital/dicomnetwork.h"
+#include "orthancserver.h"
+#include "orvixtest.h"
+
+namespace {
+// A worklist entry as the hospital's scheduling system would write it.
+QString worklistDump(const QString &name, const QString &id, const QString &studyUid, const QString &station,
+                     const QDate &date, const QString &time, const QString &procedure)
+{
+    return QStringLiteral("(0008,0005) CS [ISO_IR 192]\n"
+                          "(0008,0050) SH [ACC-%2]\n"
+                          "(0010,0010) PN [%1]\n"
+                          "(0010,0020) LO [%2]\n"
+                          "(0020,000d) UI [%3]\n"
+                          "(0032,1060) LO [%7]\n"
+                          "(0040,1001) SH [RP-%2]\n"
+                          "(0040,0100) SQ (Sequence with explicit length #=1)\n"
+                          "(fffe,e000) na (Item with explicit length #=6)\n"
+                          "(0008,0060) CS [ES]\n"
+                          "(0040,0001) AE [%4]\n"
+                          "(0040,0002) DA [%5]\n"
+                          "(0040,0003) TM [%6]\n"
+                          "(0040,0007) LO [%7]\n"
+                          "(0040,0009) SH [SPS-%2]\n"
+                          "(fffe,e00d) na (ItemDelimitationItem for re-encoding)\n"
+                          "(fffe,e0dd) na (SequenceDelimitationItem for re-encod.)\n")
+        .arg(name, id, studyUid, station, date.toString(QStringLiteral("yyyyMMdd")), time, procedure);
+}
+} // namespace
+
+class TestHospital : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit TestHospital(VirtualDevices &devices)
+        : devices(devices)
+    {
+    }
+
+private slots:
+    void initTestCase()
+    {
+        QString error;
+        QVERIFY2(archive.start(&error), qPrintable(error));
+    }
+
+    // Each way a node can fail to answer gives its own plain message, and
+    // none of them takes longer than its timeout.
+    void echo_data()
+    {
+        QTest::addColumn<QString>("calledAeTitle");
+        QTest::addColumn<QString>("host");
+        QTest::addColumn<int>("port"); // 0: the archive's, -1: a closed port, -2: one that never speaks
+        QTest::addColumn<QString>("says");
+
+        QTest::newRow("answers") << OrthancServer::aeTitle() << "127.0.0.1" << 0 << "";
+        QTest::newRow("wrong port") << OrthancServer::aeTitle() << "127.0.0.1" << -1 << "Nothing answers at 127.0.0.1";
+        QTest::newRow("called AE title refused") << "NOTTHEPACS" << "127.0.0.1" << 0 << "refused the connection of this station";
+        QTest::newRow("host that does not answer") << OrthancServer::aeTitle() << "127.0.0.1" << -2 << "did not answer within 3 s";
+        QTest::newRow("unknown host") << OrthancServer::aeTitle() << "pacs.invalid" << 104 << "pacs.invalid";
+        QTest::newRow("settings not complete") << "" << "127.0.0.1" << 0 << "not complete";
+    }
+
+    void echo()
+    {
+        QFETCH(QString, calledAeTitle);
+        QFETCH(QString, host);
+        QFETCH(int, port);
+        QFETCH(QString, says);
+        DicomNode node = archive.node();
+        node.calledAeTitle = calledAeTitle;
+        node.host = host;
+        // The connection is taken by the system and then nothing is said.
+        QTcpServer silent;
+        if (port < 0) {
+            QVERIFY(silent.listen(QHostAddress::LocalHost));
+            node.port = silent.serverPort();
+            if (port == -1)
+                silent.close();
+        } else if (port > 0) {
+            node.port = port;
+        }
+        QElapsedTimer took;
+        took.start();
+        const QString message = DicomNetwork::echo(node, 3);
+        QVERIFY2(took.elapsed() < 8000, qPrintable(QString::number(took.elapsed())));
+        if (says.isEmpty())
+            QVERIFY2(message.isEmpty(), qPrintable(message));
+        else
+            QVERIFY2(message.contains(says), qPrintable(message));
+    }
+
+    // Today's entries for this station, names as written (with "^" and
+    // letters beyond Latin), filtered by name when asked; other stations'
+    // and other days' entries stay out.
+    void worklist()
+    {
+        const QDate today = QDate::currentDate();
+        const QString station = QStringLiteral("ORVIX");
+        QString error;
+        archive.clearWorklists();
+        QVERIFY2(archive.addWorklist(QStringLiteral("anna"),
+                                     worklistDump(QStringLiteral("Müller^Anna"), QStringLiteral("P-0042"),
+                                                  QStringLiteral("1.2.826.0.1.3680043.10.1138.42"), station, today,
+                                                  QStringLiteral("143000"), QStringLiteral("Laparoscopic cholecystectomy")),
+                                     &error),
+                 qPrintable(error));
+        QVERIFY2(archive.addWorklist(QStringLiteral("taro"),
+                                     worklistDump(QStringLiteral("山田^太郎"), QStringLiteral("P-0043"),
+                                                  QStringLiteral("1.2.826.0.1.3680043.10.1138.43"), station, today,
+                                                  QStringLiteral("081500"), QStringLiteral("胃 endoscopy")),
+                                     &error),
+                 qPrintable(error));
+        QVERIFY2(archive.addWorklist(QStringLiteral("other-room"),
+                                     worklistDump(QStringLiteral("Other^Room"), QStringLiteral("P-0044"),
+                                                  QStringLiteral("1.2.826.0.1.3680043.10.1138.44"), QStringLiteral("OR2"),
+                                                  today, QStringLiteral("100000"), QStringLiteral("Arthroscopy")),
+                                     &error),
+                 qPrintable(error));
+        QVERIFY2(archive.addWorklist(QStringLiteral("tomorrow"),
+                                     worklistDump(QStringLiteral("Later^Case"), QStringLiteral("P-0045"),
+                                                  QStringLiteral("1.2.826.0.1.3680043.10.1138.45"), station,
+                                                  today.addDays(1), QStringLiteral("100000"), QStringLiteral("Hernia repair")),
+                                     &error),
+                 qPrintable(error));
+
+        const DicomNode node = archive.node(station);
+        QList<WorklistEntry> entries = DicomNetwork::findWorklist(node, { today, station, QString() }, &error, 5);
+        QVERIFY2(error.isEmpty(), qPrintable(error));
+        QCOMPARE(entries.size(), 2);
+        // Earliest first.
+        QCOMPARE(entries[0].patientName, QStringLiteral("山田^太郎"));
+        QCOMPARE(entries[0].readableName(), QStringLiteral("山田, 太郎"));
+        QCOMPARE(entries[0].requestedProcedure, QStringLiteral("胃 endoscopy"));
+        QCOMPARE(entries[0].scheduledTime, QTime(8, 15));
+        const WorklistEntry &anna = entries[1];
+        QCOMPARE(anna.patientName, QStringLiteral("Müller^Anna"));
+        QCOMPARE(anna.readableName(), QStringLiteral("Müller, Anna"));
+        QCOMPARE(anna.patientId, QStringLiteral("P-0042"));
+        QCOMPARE(anna.accessionNumber, QStringLiteral("ACC-P-0042"));
+        QCOMPARE(anna.studyInstanceUid, QStringLiteral("1.2.826.0.1.3680043.10.1138.42"));
+        QCOMPARE(anna.requestedProcedure, QStringLiteral("Laparoscopic cholecystectomy"));
+        QCOMPARE(anna.requestedProcedureId, QStringLiteral("RP-P-0042"));
+        QCOMPARE(anna.scheduledDate, today);
+        QCOMPARE(anna.scheduledTime, QTime(14, 30));
+
+        entries = DicomNetwork::findWorklist(node, { today, station, QStringLiteral("Mül") }, &error, 5);
+        QVERIFY2(error.isEmpty(), qPrintable(error));
+        QCOMPARE(entries.size(), 1);
+        QCOMPARE(entries[0].patientId, QStringLiteral("P-0042"));
+
+        // Nothing scheduled: an empty list, not an error.
+        archive.clearWorklists();
+        entries = DicomNetwork::findWorklist(node, { today, station, QString() }, &error, 5);
+        QVERIFY2(error.isEmpty(), qPrintable(error));
+        QVERIFY(entries.isEmpty());
+
+        // The worklist node down: said, not an empty list.
+        archive.stop();
+        entries = DicomNetwork::findWorklist(node, { today, station, QString() }, &error, 3);
+        QVERIFY(entries.isEmpty());
+        QVERIFY2(error.contains(QLatin1String("Nothing answers")), qPrintable(error));
+        QVERIFY2(archive.start(&error), qPrintable(error));
+    }
+
+private:
+    VirtualDevices &devices;
+    OrthancServer archive;
+};
+
+ORVIX_TEST_MAIN(TestHospital)
+#include "tst_hospital.moc"

@@ -1,0 +1,158 @@
+#include "orthancserver.h"
+
+#include <QDir>
+#include <QEventLoop>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QTcpServer>
+#include <QTest>
+#include <QTimer>
+
+namespace {
+const QString orthancProgram = QStringLiteral("/usr/sbin/Orthanc");
+const QString worklistPlugin = QStringLiteral("/usr/share/orthanc/plugins/libModalityWorklists.so");
+
+int freePort()
+{
+    QTcpServer server;
+    server.listen(QHostAddress::LocalHost, 0);
+    return server.serverPort();
+}
+} // namespace
+
+OrthancServer::OrthancServer() = default;
+
+OrthancServer::~OrthancServer()
+{
+    stop();
+}
+
+DicomNode OrthancServer::node(const QString &ownAeTitle) const
+{
+    DicomNode node;
+    node.ownAeTitle = ownAeTitle;
+    node.calledAeTitle = aeTitle();
+    node.host = QStringLiteral("127.0.0.1");
+    node.port = dicomPortNumber;
+    return node;
+}
+
+bool OrthancServer::start(QString *error)
+{
+    if (!folder.isValid() || !QFile::exists(orthancProgram) || !QFile::exists(worklistPlugin)) {
+        *error = QStringLiteral("Orthanc and its worklist plugin are not installed (package orthanc)");
+        return false;
+    }
+    if (dicomPortNumber == 0) {
+        dicomPortNumber = freePort();
+        httpPortNumber = freePort();
+    }
+    QDir(folder.path()).mkpath(QStringLiteral("db"));
+    QDir(folder.path()).mkpath(QStringLiteral("worklists"));
+    const QJsonObject configuration {
+        { "Name", "OrvixTestArchive" },
+        { "StorageDirectory", folder.filePath(QStringLiteral("db")) },
+        { "IndexDirectory", folder.filePath(QStringLiteral("db")) },
+        { "DicomAet", aeTitle() },
+        { "DicomPort", dicomPortNumber },
+        { "HttpPort", httpPortNumber },
+        { "RemoteAccessAllowed", false },
+        { "AuthenticationEnabled", false },
+        { "DicomCheckCalledAet", true },
+        { "DicomAlwaysAllowEcho", true },
+        { "DicomAlwaysAllowStore", true },
+        { "DicomAlwaysAllowFindWorklist", true },
+        { "DefaultEncoding", "Utf8" },
+        { "Plugins", QJsonArray { worklistPlugin } },
+        { "Worklists", QJsonObject { { "Enable", true }, { "Database", folder.filePath(QStringLiteral("worklists")) } } },
+    };
+    const QString configurationFile = folder.filePath(QStringLiteral("orthanc.json"));
+    QFile file(configurationFile);
+    if (!file.open(QIODevice::WriteOnly) || file.write(QJsonDocument(configuration).toJson()) < 0) {
+        *error = QStringLiteral("cannot write %1").arg(configurationFile);
+        return false;
+    }
+    file.close();
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    process.setStandardOutputFile(folder.filePath(QStringLiteral("orthanc.log")), QIODevice::Append);
+    process.start(orthancProgram, { configurationFile });
+    if (!process.waitForStarted(5000)) {
+        *error = QStringLiteral("Orthanc did not start: %1").arg(process.errorString());
+        return false;
+    }
+    if (!QTest::qWaitFor([this] { return !isRunning() || get(QStringLiteral("/system")).isObject(); }, 30000)
+        || !isRunning()) {
+        QFile log(folder.filePath(QStringLiteral("orthanc.log")));
+        log.open(QIODevice::ReadOnly);
+        *error = QStringLiteral("Orthanc did not come up: %1").arg(QString::fromUtf8(log.readAll().right(2000)));
+        stop();
+        return false;
+    }
+    return true;
+}
+
+void OrthancServer::stop()
+{
+    if (process.state() == QProcess::NotRunning)
+        return;
+    process.terminate();
+    if (!process.waitForFinished(10000)) {
+        process.kill();
+        process.waitForFinished(5000);
+    }
+}
+
+bool OrthancServer::addWorklist(const QString &name, const QString &dump, QString *error)
+{
+    const QString dumpFile = folder.filePath(name + QStringLiteral(".txt"));
+    QFile file(dumpFile);
+    if (!file.open(QIODevice::WriteOnly) || file.write(dump.toUtf8()) < 0) {
+        *error = QStringLiteral("cannot write %1").arg(dumpFile);
+        return false;
+    }
+    file.close();
+    QProcess dump2dcm;
+    dump2dcm.setProcessChannelMode(QProcess::MergedChannels);
+    dump2dcm.start(QStringLiteral("dump2dcm"),
+                   { QStringLiteral("+te"), dumpFile, folder.filePath(QStringLiteral("worklists/%1.wl").arg(name)) });
+    if (!dump2dcm.waitForFinished(10000) || dump2dcm.exitStatus() != QProcess::NormalExit || dump2dcm.exitCode() != 0) {
+        *error = QStringLiteral("dump2dcm: %1 %2").arg(dump2dcm.errorString(), QString::fromUtf8(dump2dcm.readAll()));
+        return false;
+    }
+    return true;
+}
+
+void OrthancServer::clearWorklists()
+{
+    QDir worklists(folder.filePath(QStringLiteral("worklists")));
+    for (const QString &name : worklists.entryList({ QStringLiteral("*.wl") }, QDir::Files))
+        worklists.remove(name);
+}
+
+QByteArray OrthancServer::getRaw(const QString &path) const
+{
+    QNetworkAccessManager manager;
+    QNetworkRequest request(QUrl(QStringLiteral("http://127.0.0.1:%1%2").arg(httpPortNumber).arg(path)));
+    request.setTransferTimeout(30000);
+    QNetworkReply *reply = manager.get(request);
+    QEventLoop loop;
+    QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
+    loop.exec();
+    const QByteArray body = reply->error() == QNetworkReply::NoError ? reply->readAll() : QByteArray();
+    reply->deleteLater();
+    return body;
+}
+
+QJsonValue OrthancServer::get(const QString &path) const
+{
+    const QJsonDocument document = QJsonDocument::fromJson(getRaw(path));
+    if (document.isObject())
+        return document.object();
+    if (document.isArray())
+        return document.array();
+    return QJsonValue();
+}

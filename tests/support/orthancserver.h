@@ -1,0 +1,47 @@
+// Test fixture: a real PACS. Orthanc from the system's package, started on
+// loopback ports with a configuration of its own (storage folder, DICOM and
+// HTTP ports, no remote access) and its Modality Worklists plugin reading a
+// folder of worklist files made with DCMTK's dump2dcm. What arrived is read
+// through its REST API.
+#pragma once
+
+#include <QJsonValue>
+#include <QProcess>
+#include <QString>
+#include <QTemporaryDir>
+
+#include "hospital/dicomnode.h"
+
+class OrthancServer
+{
+public:
+    OrthancServer();
+    ~OrthancServer();
+
+    // Starts it and waits until its REST API answers. Needs a
+    // QCoreApplication. Ports are kept across a stop and a start again.
+    bool start(QString *error);
+    // Ends it as a crash or a power cut would not: cleanly.
+    void stop();
+    bool isRunning() const { return process.state() == QProcess::Running; }
+
+    static QString aeTitle() { return QStringLiteral("ARCHIVE"); }
+    int dicomPort() const { return dicomPortNumber; }
+    // The node as this station calls it.
+    DicomNode node(const QString &ownAeTitle = QStringLiteral("ORVIX")) const;
+
+    // Writes a worklist entry from a DCMTK dump (one "(gggg,eeee) VR [value]"
+    // line per element) as <name>.wl; dump2dcm makes the file.
+    bool addWorklist(const QString &name, const QString &dump, QString *error);
+    void clearWorklists();
+
+    // GET on the REST API; a null value when it fails.
+    QJsonValue get(const QString &path) const;
+    QByteArray getRaw(const QString &path) const;
+
+private:
+    QTemporaryDir folder;
+    QProcess process;
+    int dicomPortNumber = 0;
+    int httpPortNumber = 0;
+};
