@@ -79,7 +79,8 @@ public:
     T_ASC_PresentationContextID open(const char *abstractSyntax, const QString &what, QString *error)
     {
         if (!node.isComplete()) {
-            *error = QStringLiteral("The settings of %1 are not complete: AE titles, host and port are needed.").arg(what);
+            *error = QStringLiteral("Not set up completely: this station's AE title, the called AE title, the host "
+                                    "and the port are all needed.");
             return 0;
         }
         OFList<OFString> syntaxes;

@@ -23,6 +23,7 @@
 #include <QVideoFrame>
 #include <QVideoSink>
 
+#include "hospital/caseinformation.h"
 #include "imaging/framefilters.h"
 #include "imaging/liveframepipeline.h"
 #include "mainwindow/recordingguard.h"
@@ -36,6 +37,8 @@ class QAudioSource;
 class QCheckBox;
 class QComboBox;
 class QDialog;
+class HospitalSettingsDialog;
+class WorklistDialog;
 class QCamera;
 class QFrame;
 class QHBoxLayout;
@@ -206,13 +209,23 @@ public slots:
     void updateCurrentMediaDevice();
     void videoDefaultSet();
 
+    // mainwindow_hospital.cpp
+    void showHospitalSettings();
+    void chooseFromWorklist();
+
     // The dialogs once built, for tests; null before.
     QDialog *videoQualityDialog() const { return colorDialog; }
     QDialog *recordDeviceDialog() const { return deviceDialog; }
     QDialog *versionDialog() const { return versionBox; }
+    HospitalSettingsDialog *hospitalSettingsDialog() const;
+    WorklistDialog *worklistDialog() const;
+    // The archive's view of the next recording: the worklist entry chosen
+    // for it, or a study of its own for a patient typed by hand.
+    CaseInformation liveCase();
 
 protected:
     void changeEvent(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     // mainwindow.cpp: construction steps that other files fill
@@ -422,6 +435,19 @@ private:
     QWidget *filePreviewFrameWidget = nullptr;
     QPushButton *informationEditButton = nullptr;
     QPushButton *informationRefreshButton = nullptr;
+    QPushButton *informationWorklistButton = nullptr;
+    QAction *hospitalAction = nullptr;
+    QPointer<HospitalSettingsDialog> hospitalDialog;
+    QPointer<WorklistDialog> worklistBox;
+    WorklistEntry chosenWorklistEntry;
+    QString chosenWorklistName;  // what the entry put into the patient field
+    QString typedCaseStudyUid;   // the study of a patient typed by hand
+    QString typedCasePatient;
+    QString recordingSeriesUid;  // one series per recording, over its files
+    void addWorklistButton(QHBoxLayout *headerLayout, QWidget *header);
+    void wireWorklistButton();
+    void updateWorklistButton();
+    void forgetWorklistEntryIfRenamed(const QString &patient);
     // Date, File Name, Doctor Name, Patient Name, Hospital Name, Comment.
     std::array<QWidget *, 6> informationFields {};
     QLabel *storageFreeSpaceLabel = nullptr;

@@ -37,6 +37,7 @@ void MainWindow::refillLiveInformation()
     liveInformationShown = true;
     for (int i = 0; i < 5; ++i)
         setInformationText(i + 1, liveInformation[i]);
+    updateWorklistButton();
 }
 
 void MainWindow::stashLiveInformation()
@@ -46,6 +47,7 @@ void MainWindow::stashLiveInformation()
     liveInformationShown = false;
     for (int i = 0; i < 5; ++i)
         liveInformation[i] = informationText(i + 1);
+    updateWorklistButton();
 }
 
 void MainWindow::showBrowsedInformation()

@@ -95,6 +95,8 @@ void MainWindow::createActions()
     connect(videoQualityAction, &QAction::triggered, this, &MainWindow::showColorDialog);
     storagePathAction = makeAction(QStringLiteral("Record Storage Path"), QStringLiteral("Configure recording storage root path"), false, this);
     connect(storagePathAction, &QAction::triggered, this, &MainWindow::updateStorageRoot);
+    hospitalAction = makeAction(QStringLiteral("Hospital Systems"), QStringLiteral("Set up the archive (PACS) and the worklist"), false, this);
+    connect(hospitalAction, &QAction::triggered, this, &MainWindow::showHospitalSettings);
 }
 
 void MainWindow::createMenus()
@@ -116,6 +118,9 @@ void MainWindow::createMenus()
 
     QMenu *configurationMenu = mainMenuBar->addMenu(QStringLiteral("&Configuration"));
     configurationMenu->addActions({ recordDeviceAction, videoQualityAction, storagePathAction });
+    // Beyond the designed entries, apart from them.
+    configurationMenu->addSeparator();
+    configurationMenu->addAction(hospitalAction);
 
     QMenu *helpMenu = mainMenuBar->addMenu(QStringLiteral("&Help"));
     helpAction = makeAction(QStringLiteral("Help"), QStringLiteral("Open help document"), false, this);

@@ -300,6 +300,7 @@ void MainWindow::setupInformationPanel()
     title->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     headerLayout->addWidget(title, 0, Qt::AlignVCenter);
     headerLayout->addStretch();
+    addWorklistButton(headerLayout, header);
 
     informationEditButton = fixedButton(QStringLiteral("InformationEditButton"), QSize(23, 23), header);
     informationEditButton->setCheckable(true);
@@ -360,6 +361,7 @@ void MainWindow::setupInformationPanel()
     }
     static_cast<QLineEdit *>(informationFields[0])->setReadOnly(true);
     layout->addWidget(body);
+    wireWorklistButton();
 }
 
 void MainWindow::setupFilePreviewPanel()

@@ -124,6 +124,7 @@ void MainWindow::captureVideo()
     const QString folderNote = movieFolderNote(path);
     recordingWanted = true;
     ++recordingSeries;
+    recordingSeriesUid = DicomUid::make();
     beginMovieFile(path);
 
     const RecordingInformation information = liveRecordingInformation();
@@ -227,6 +228,7 @@ void MainWindow::beginMovieFile(const QString &path)
     RecordingElements::releaseKeptMuxers();
     recorder->setOutputLocation(QUrl::fromLocalFile(path));
     liveRecordingInformation().write(StoragePaths::recordingInformationPath(path));
+    liveCase().write(StoragePaths::recordingInformationPath(path));
     lastMovieFile = path;
 }
 

@@ -1,10 +1,22 @@
 // The hospital's systems against a real PACS (Orthanc, started here): is
 // it there, what does the worklist hold for this station today.
+#include <QLabel>
+#include <QLineEdit>
+#include <QMediaDevices>
+#include <QMediaRecorder>
+#include <QPushButton>
+#include <QSettings>
+#include <QSpinBox>
+#include <QTableWidget>
 #include <QTcpServer>
 
 #include "hospital/dicomnetwork.h"
+#include "mainwindow/mainwindow.h"
+#include "messageboxwatcher.h"
 #include "orthancserver.h"
 #include "orvixtest.h"
+#include "widgets/hospitalsettingsdialog.h"
+#include "widgets/worklistdialog.h"
 
 namespace {
 // A worklist entry as the hospital's scheduling system would write it.
@@ -47,6 +59,11 @@ private slots:
     {
         QString error;
         QVERIFY2(archive.start(&error), qPrintable(error));
+        QVERIFY2(devices.startAudio(&error), qPrintable(error));
+        QVERIFY2(devices.addMicrophone(QStringLiteral("Orvix High Definition Mic II"), 440, &error), qPrintable(error));
+        devices.setCameras({ VirtualDevices::fullHdCamera() });
+        QTRY_COMPARE_WITH_TIMEOUT(QMediaDevices::videoInputs().size(), 1, 5000);
+        root = devices.makeStorageRoot(QStringLiteral("cases"));
     }
 
     // Each way a node can fail to answer gives its own plain message, and
@@ -63,7 +80,7 @@ private slots:
         QTest::newRow("called AE title refused") << "NOTTHEPACS" << "127.0.0.1" << 0 << "refused the connection of this station";
         QTest::newRow("host that does not answer") << OrthancServer::aeTitle() << "127.0.0.1" << -2 << "did not answer within 3 s";
         QTest::newRow("unknown host") << OrthancServer::aeTitle() << "pacs.invalid" << 104 << "pacs.invalid";
-        QTest::newRow("settings not complete") << "" << "127.0.0.1" << 0 << "not complete";
+        QTest::newRow("settings not complete") << "" << "127.0.0.1" << 0 << "Not set up completely";
     }
 
     void echo()
@@ -168,9 +185,142 @@ private slots:
         QVERIFY2(archive.start(&error), qPrintable(error));
     }
 
+    // Through the window, as a user sets it up on a new station: the
+    // settings dialog with its test, then the worklist's patient for the
+    // next recording, kept in the recording's information file after the
+    // designed group.
+    void setUpAndChooseFromTheWorklist()
+    {
+        QString error;
+        archive.clearWorklists();
+        const QString studyUid = QStringLiteral("1.2.826.0.1.3680043.10.1138.42");
+        QVERIFY2(archive.addWorklist(QStringLiteral("anna"),
+                                     worklistDump(QStringLiteral("Müller^Anna"), QStringLiteral("P-0042"), studyUid,
+                                                  QStringLiteral("OR1"), QDate::currentDate(), QStringLiteral("143000"),
+                                                  QStringLiteral("Laparoscopic cholecystectomy")),
+                                     &error),
+                 qPrintable(error));
+
+        MainWindow window;
+        window.resize(1280, 720);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QTRY_VERIFY_WITH_TIMEOUT(window.isCameraLive(), 10000);
+        auto *worklistButton = window.findChild<QPushButton *>(QStringLiteral("InformationWorklistButton"));
+        auto *patient = window.findChild<QLineEdit *>(QStringLiteral("InformationPatientNameEdit"));
+        QVERIFY(worklistButton && worklistButton->isVisible() && worklistButton->isEnabled());
+
+        // Not set up yet: the button says where to do it.
+        {
+            MessageBoxWatcher boxes;
+            worklistButton->click();
+            QTRY_COMPARE(boxes.texts.size(), 1);
+            QVERIFY2(boxes.texts[0].contains(QLatin1String("Hospital Systems")), qPrintable(boxes.texts[0]));
+        }
+
+        window.showHospitalSettings();
+        HospitalSettingsDialog *settings = window.hospitalSettingsDialog();
+        QVERIFY(settings && settings->isVisible());
+        auto fill = [settings](int box, const QString &own, const QString &called, int port) {
+            const QString prefix = box == 0 ? QStringLiteral("HospitalArchive") : QStringLiteral("HospitalWorklist");
+            settings->findChild<QLineEdit *>(prefix + QStringLiteral("OwnAeTitle"))->setText(own);
+            settings->findChild<QLineEdit *>(prefix + QStringLiteral("CalledAeTitle"))->setText(called);
+            settings->findChild<QLineEdit *>(prefix + QStringLiteral("Host"))->setText(QStringLiteral("127.0.0.1"));
+            settings->findChild<QSpinBox *>(prefix + QStringLiteral("Port"))->setValue(port);
+        };
+        // A called AE title the archive refuses, and a worklist on a port
+        // nobody listens on: each node says its own trouble.
+        QTcpServer closed;
+        QVERIFY(closed.listen(QHostAddress::LocalHost));
+        const int closedPort = closed.serverPort();
+        closed.close();
+        fill(0, QStringLiteral("OR1"), QStringLiteral("WRONG"), archive.dicomPort());
+        fill(1, QStringLiteral("OR1"), OrthancServer::aeTitle(), closedPort);
+        settings->testButton()->click();
+        QTRY_VERIFY_WITH_TIMEOUT(settings->testButton()->isEnabled(), 15000);
+        QVERIFY2(settings->testResult(HospitalSettings::Role::Archive)->text().contains(QLatin1String("refused the connection of this station")),
+                 qPrintable(settings->testResult(HospitalSettings::Role::Archive)->text()));
+        QVERIFY2(settings->testResult(HospitalSettings::Role::Worklist)->text().contains(QLatin1String("Nothing answers")),
+                 qPrintable(settings->testResult(HospitalSettings::Role::Worklist)->text()));
+        // An AE title with a backslash is not taken.
+        {
+            MessageBoxWatcher boxes;
+            fill(0, QStringLiteral("OR\\1"), OrthancServer::aeTitle(), archive.dicomPort());
+            QMetaObject::invokeMethod(settings, "accept", Qt::QueuedConnection);
+            QTRY_COMPARE(boxes.texts.size(), 1);
+            QVERIFY2(boxes.texts[0].contains(QLatin1String("AE title")), qPrintable(boxes.texts[0]));
+            QVERIFY(settings->isVisible());
+        }
+        fill(0, QStringLiteral("OR1"), OrthancServer::aeTitle(), archive.dicomPort());
+        fill(1, QStringLiteral("OR1"), OrthancServer::aeTitle(), archive.dicomPort());
+        settings->testButton()->click();
+        QTRY_VERIFY_WITH_TIMEOUT(settings->testButton()->isEnabled(), 15000);
+        QVERIFY(settings->testResult(HospitalSettings::Role::Archive)->text().contains(QLatin1String("answered")));
+        QVERIFY(settings->testResult(HospitalSettings::Role::Worklist)->text().contains(QLatin1String("answered")));
+        settings->accept();
+        QVERIFY(!settings->isVisible());
+        QCOMPARE(HospitalSettings::node(HospitalSettings::Role::Worklist), archive.node(QStringLiteral("OR1")));
+
+        // The worklist: today's entry for this station, chosen.
+        worklistButton->click();
+        WorklistDialog *worklist = window.worklistDialog();
+        QVERIFY(worklist);
+        QTRY_VERIFY_WITH_TIMEOUT(!worklist->isAsking(), 15000);
+        QCOMPARE(worklist->table()->rowCount(), 1);
+        QCOMPARE(worklist->table()->item(0, 1)->text(), QStringLiteral("Müller, Anna"));
+        QCOMPARE(worklist->table()->item(0, 2)->text(), QStringLiteral("P-0042"));
+        QCOMPARE(worklist->table()->item(0, 3)->text(), QStringLiteral("Laparoscopic cholecystectomy"));
+        worklist->accept();
+        QTRY_VERIFY(!window.worklistDialog());
+        QCOMPARE(patient->text(), QStringLiteral("Müller, Anna"));
+
+        // Recorded: the designed group as it always was, the archive's
+        // fields after it; the button rests while the fields are locked.
+        window.findChild<QLineEdit *>(QStringLiteral("InformationFileNameEdit"))->setText(QStringLiteral("case7"));
+        window.captureVideo();
+        QTRY_COMPARE_WITH_TIMEOUT(window.currentRecorder()->recorderState(), QMediaRecorder::RecordingState, 5000);
+        QVERIFY(!worklistButton->isEnabled());
+        QTest::qWait(2000);
+        window.captureVideo();
+        QTRY_COMPARE_WITH_TIMEOUT(window.currentRecorder()->recorderState(), QMediaRecorder::StoppedState, 10000);
+        QVERIFY(worklistButton->isEnabled());
+        const QString ini = root + QStringLiteral("Movie/") + QDir(root + QStringLiteral("Movie")).entryList({ "case7_*.ini" }).value(0);
+        QFile file(ini);
+        QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(ini));
+        const QString text = QString::fromUtf8(file.readAll());
+        QVERIFY2(text.startsWith(QLatin1String("[Orvix]\n")), qPrintable(text));
+        QVERIFY2(text.indexOf(QLatin1String("[PACS]")) > text.indexOf(QLatin1String("Patient=")), qPrintable(text));
+        const CaseInformation kept = CaseInformation::read(ini);
+        QCOMPARE(RecordingInformation::read(ini).patient, QStringLiteral("Müller, Anna"));
+        QCOMPARE(kept.worklist.patientName, QStringLiteral("Müller^Anna"));
+        QCOMPARE(kept.worklist.patientId, QStringLiteral("P-0042"));
+        QCOMPARE(kept.worklist.accessionNumber, QStringLiteral("ACC-P-0042"));
+        QCOMPARE(kept.studyInstanceUid, studyUid);
+        QVERIFY(!kept.seriesInstanceUid.isEmpty() && kept.seriesInstanceUid != studyUid);
+
+        // Another patient typed over it is not the worklist's patient.
+        patient->setText(QStringLiteral("Someone Else"));
+        const CaseInformation typed = window.liveCase();
+        QVERIFY(!typed.fromWorklist());
+        QVERIFY(typed.studyInstanceUid != studyUid);
+        QCOMPARE(typed.worklist.patientName, QStringLiteral("Someone Else"));
+
+        // The worklist down: said in the dialog, and the window goes on.
+        archive.stop();
+        worklistButton->click();
+        QVERIFY(window.worklistDialog());
+        QTRY_VERIFY_WITH_TIMEOUT(!window.worklistDialog()->isAsking(), 15000);
+        QVERIFY2(window.worklistDialog()->status()->text().contains(QLatin1String("Nothing answers")),
+                 qPrintable(window.worklistDialog()->status()->text()));
+        window.worklistDialog()->reject();
+        QVERIFY(window.isCameraLive());
+        QVERIFY2(archive.start(&error), qPrintable(error));
+    }
+
 private:
     VirtualDevices &devices;
     OrthancServer archive;
+    QString root;
 };
 
 ORVIX_TEST_MAIN(TestHospital)
