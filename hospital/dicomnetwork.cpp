@@ -2,6 +2,7 @@
 
 #include <dcmtk/config/osconfig.h>
 #include <dcmtk/dcmdata/dcdeftag.h>
+#include <dcmtk/dcmdata/dcfilefo.h>
 #include <dcmtk/dcmdata/dcuid.h>
 #include <dcmtk/dcmnet/diutil.h>
 #include <dcmtk/dcmnet/scu.h>
@@ -51,6 +52,20 @@ QString describe(const DicomNode &node, const OFCondition &condition, int timeou
     return QStringLiteral("%1 could not be reached: %2").arg(node.display(), detail);
 }
 
+// Tells how far a send has got.
+class ReportingScu : public DcmSCU
+{
+public:
+    std::function<void(qint64)> progress;
+
+protected:
+    void notifySENDProgress(const unsigned long byteCount) override
+    {
+        if (progress)
+            progress(qint64(byteCount));
+    }
+};
+
 class Association
 {
 public:
@@ -76,7 +91,8 @@ public:
 
     // Opens the association for one abstract syntax; the presentation
     // context's id, or 0 with `error` said.
-    T_ASC_PresentationContextID open(const char *abstractSyntax, const QString &what, QString *error)
+    T_ASC_PresentationContextID open(const char *abstractSyntax, const QString &what, QString *error,
+                                     const char *transferSyntax = nullptr)
     {
         if (!node.isComplete()) {
             *error = QStringLiteral("Not set up completely: this station's AE title, the called AE title, the host "
@@ -84,8 +100,12 @@ public:
             return 0;
         }
         OFList<OFString> syntaxes;
-        syntaxes.push_back(UID_LittleEndianExplicitTransferSyntax);
-        syntaxes.push_back(UID_LittleEndianImplicitTransferSyntax);
+        if (transferSyntax) {
+            syntaxes.push_back(transferSyntax);
+        } else {
+            syntaxes.push_back(UID_LittleEndianExplicitTransferSyntax);
+            syntaxes.push_back(UID_LittleEndianImplicitTransferSyntax);
+        }
         scu.addPresentationContext(abstractSyntax, syntaxes);
         OFCondition condition = scu.initNetwork();
         if (condition.good())
@@ -95,13 +115,13 @@ public:
             qCWarning(lcHospital) << node.display() << condition.text();
             return 0;
         }
-        const T_ASC_PresentationContextID id = scu.findPresentationContextID(abstractSyntax, "");
+        const T_ASC_PresentationContextID id = scu.findPresentationContextID(abstractSyntax, transferSyntax ? transferSyntax : "");
         if (id == 0)
             *error = QStringLiteral("%1 answered but does not offer %2.").arg(node.display(), what);
         return id;
     }
 
-    DcmSCU scu;
+    ReportingScu scu;
 
 private:
     DicomNode node;
@@ -217,6 +237,37 @@ QList<WorklistEntry> findWorklist(const DicomNode &node, const WorklistQuery &qu
         return a.scheduledTime < b.scheduledTime;
     });
     return entries;
+}
+
+QString store(const DicomNode &node, const QString &dicomFile, const std::function<void(qint64)> &progress,
+              int timeoutSeconds)
+{
+    quietToolkit();
+    // Only the header is read here; the pixel data stays on disk until sent.
+    DcmFileFormat file;
+    OFCondition condition = file.loadFile(dicomFile.toLocal8Bit().constData(), EXS_Unknown, EGL_noChange, 4096,
+                                          ERM_metaOnly);
+    if (condition.bad())
+        return QStringLiteral("%1 cannot be read: %2").arg(dicomFile, QString::fromLocal8Bit(condition.text()));
+    OFString sopClass, transferSyntax;
+    file.getMetaInfo()->findAndGetOFString(DCM_MediaStorageSOPClassUID, sopClass);
+    file.getMetaInfo()->findAndGetOFString(DCM_TransferSyntaxUID, transferSyntax);
+
+    Association association(node, timeoutSeconds);
+    association.scu.progress = progress;
+    QString error;
+    const T_ASC_PresentationContextID id = association.open(
+        sopClass.c_str(), QStringLiteral("storage of this kind of object in this transfer syntax"), &error,
+        transferSyntax.c_str());
+    if (id == 0)
+        return error;
+    Uint16 status = 0;
+    condition = association.scu.sendSTORERequest(id, dicomFile.toLocal8Bit().constData(), nullptr, status);
+    if (condition.bad())
+        return describe(node, condition, timeoutSeconds);
+    if (status != STATUS_Success && (status & 0xf000) != 0xb000)
+        return QStringLiteral("%1 did not store the object (status 0x%2).").arg(node.display()).arg(status, 4, 16, QLatin1Char('0'));
+    return QString();
 }
 
 } // namespace DicomNetwork

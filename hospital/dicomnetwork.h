@@ -3,6 +3,8 @@
 // blocks for up to its timeout; run it off the user-interface thread.
 #pragma once
 
+#include <functional>
+
 #include <QDate>
 #include <QList>
 #include <QString>
@@ -41,4 +43,10 @@ QString echo(const DicomNode &node, int timeoutSeconds = defaultTimeoutSeconds);
 
 QList<WorklistEntry> findWorklist(const DicomNode &node, const WorklistQuery &query, QString *error,
                                   int timeoutSeconds = defaultTimeoutSeconds);
+
+// Sends one DICOM file (C-STORE) in the transfer syntax it is written in.
+// `progress` hears the bytes sent so far. Empty on success.
+QString store(const DicomNode &node, const QString &dicomFile,
+              const std::function<void(qint64 sent)> &progress = {},
+              int timeoutSeconds = defaultTimeoutSeconds);
 } // namespace DicomNetwork

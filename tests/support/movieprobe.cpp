@@ -41,6 +41,7 @@ MovieProbe MovieProbe::probe(const QString &path)
         if (type == QLatin1String("video") && probe.videoCodec.isEmpty()) {
             probe.videoCodec = stream.value(QStringLiteral("codec_name")).toString();
             probe.profile = stream.value(QStringLiteral("profile")).toString();
+            probe.level = stream.value(QStringLiteral("level")).toInt();
             probe.pixelFormat = stream.value(QStringLiteral("pix_fmt")).toString();
             probe.width = stream.value(QStringLiteral("width")).toInt();
             probe.height = stream.value(QStringLiteral("height")).toInt();

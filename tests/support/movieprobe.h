@@ -9,6 +9,7 @@ struct MovieProbe
     bool opened = false;
     QString videoCodec;
     QString profile;
+    int level = 0; // H.264 level times ten, 41 for 4.1
     QString pixelFormat;
     int width = 0;
     int height = 0;

@@ -10,7 +10,13 @@
 #include <QTableWidget>
 #include <QTcpServer>
 
+#include <QJsonArray>
+#include <QJsonObject>
+
 #include "hospital/dicomnetwork.h"
+#include "hospital/dicomobjects.h"
+#include "hospital/mp4summary.h"
+#include "movieprobe.h"
 #include "mainwindow/mainwindow.h"
 #include "messageboxwatcher.h"
 #include "orthancserver.h"
@@ -277,6 +283,8 @@ private slots:
         // Recorded: the designed group as it always was, the archive's
         // fields after it; the button rests while the fields are locked.
         window.findChild<QLineEdit *>(QStringLiteral("InformationFileNameEdit"))->setText(QStringLiteral("case7"));
+        window.findChild<QLineEdit *>(QStringLiteral("InformationDoctorNameEdit"))->setText(QStringLiteral("Dr. Weber"));
+        window.findChild<QLineEdit *>(QStringLiteral("InformationHospitalNameEdit"))->setText(QStringLiteral("St. Elisabeth"));
         window.captureVideo();
         QTRY_COMPARE_WITH_TIMEOUT(window.currentRecorder()->recorderState(), QMediaRecorder::RecordingState, 5000);
         QVERIFY(!worklistButton->isEnabled());
@@ -298,6 +306,13 @@ private slots:
         QCOMPARE(kept.studyInstanceUid, studyUid);
         QVERIFY(!kept.seriesInstanceUid.isEmpty() && kept.seriesInstanceUid != studyUid);
 
+        // The movie and a snapshot of the case, as the archive takes them.
+        window.captureStillImage();
+        QString picture;
+        QTRY_VERIFY_WITH_TIMEOUT(!(picture = QDir(root + QStringLiteral("Image")).entryList({ "*.jpg" }).value(0)).isEmpty(), 5000);
+        QTest::qWait(500);
+        sendAndCheck(ini, root + QStringLiteral("Image/") + picture, studyUid);
+
         // Another patient typed over it is not the worklist's patient.
         patient->setText(QStringLiteral("Someone Else"));
         const CaseInformation typed = window.liveCase();
@@ -318,6 +333,95 @@ private slots:
     }
 
 private:
+    // Builds both objects, sends them, and reads back through Orthanc's
+    // REST API what arrived.
+    void sendAndCheck(const QString &ini, const QString &picture, const QString &studyUid)
+    {
+        const QString movie = ini.left(ini.size() - 4) + QStringLiteral(".mp4");
+        const RecordingInformation typed = RecordingInformation::read(ini);
+        ObjectContext context;
+        context.study = CaseInformation::read(ini);
+        context.patientName = typed.patient;
+        context.doctor = typed.doctor;
+        context.hospital = typed.hospital;
+        context.taken = QFileInfo(movie).birthTime().isValid() ? QFileInfo(movie).birthTime() : QDateTime::currentDateTime();
+        const QString movieObject = outbox.filePath(QStringLiteral("movie.dcm"));
+        QString error = DicomObjects::write(movie, context, movieObject);
+        QVERIFY2(error.isEmpty(), qPrintable(error));
+        ObjectContext snapshot = context;
+        snapshot.study.seriesInstanceUid = DicomUid::make();
+        snapshot.seriesNumber = 2;
+        const QString pictureObject = outbox.filePath(QStringLiteral("picture.dcm"));
+        error = DicomObjects::write(picture, snapshot, pictureObject);
+        QVERIFY2(error.isEmpty(), qPrintable(error));
+        const QByteArray movieBytes = [&] { QFile f(movie); f.open(QIODevice::ReadOnly); return f.readAll(); }();
+
+        qint64 sent = 0;
+        error = DicomNetwork::store(archive.node(QStringLiteral("OR1")), movieObject, [&sent](qint64 bytes) { sent = bytes; });
+        QVERIFY2(error.isEmpty(), qPrintable(error));
+        QVERIFY2(sent >= movieBytes.size(), qPrintable(QString::number(sent)));
+        error = DicomNetwork::store(archive.node(QStringLiteral("OR1")), pictureObject);
+        QVERIFY2(error.isEmpty(), qPrintable(error));
+
+        const QJsonArray studies = archive.get(QStringLiteral("/studies?expand")).toArray();
+        QCOMPARE(studies.size(), 1);
+        const QJsonObject study = studies[0].toObject();
+        QCOMPARE(study.value("MainDicomTags").toObject().value("StudyInstanceUID").toString(), studyUid);
+        QCOMPARE(study.value("PatientMainDicomTags").toObject().value("PatientName").toString(), QStringLiteral("Müller^Anna"));
+        QCOMPARE(study.value("PatientMainDicomTags").toObject().value("PatientID").toString(), QStringLiteral("P-0042"));
+        QCOMPARE(study.value("Series").toArray().size(), 2);
+        QMap<QString, QString> syntaxOfClass;
+        QString movieInstance;
+        for (const QJsonValue &value : archive.get(QStringLiteral("/instances")).toArray()) {
+            const QString id = value.toString();
+            const QJsonObject header = archive.get(QStringLiteral("/instances/%1/header?simplify").arg(id)).toObject();
+            const QJsonObject tags = archive.get(QStringLiteral("/instances/%1/simplified-tags").arg(id)).toObject();
+            syntaxOfClass[tags.value("SOPClassUID").toString()] = header.value("TransferSyntaxUID").toString();
+            if (tags.value("SOPClassUID").toString() == QLatin1String("1.2.840.10008.5.1.4.1.1.77.1.1.1"))
+                movieInstance = id;
+            QCOMPARE(tags.value("PerformingPhysicianName").toString(), QStringLiteral("Dr. Weber"));
+            QCOMPARE(tags.value("InstitutionName").toString(), QStringLiteral("St. Elisabeth"));
+        }
+        QCOMPARE(syntaxOfClass.value("1.2.840.10008.5.1.4.1.1.77.1.1.1"), QStringLiteral("1.2.840.10008.1.2.4.102"));
+        QCOMPARE(syntaxOfClass.value("1.2.840.10008.5.1.4.1.1.77.1.1"), QStringLiteral("1.2.840.10008.1.2.4.50"));
+
+        // The movie fetched back plays, with the frames of the file on disk.
+        QByteArray fetched = archive.getRaw(QStringLiteral("/instances/%1/frames/0/raw").arg(movieInstance));
+        if (fetched.size() == movieBytes.size() + 1)
+            fetched.chop(1); // the pad byte of an odd-sized movie
+        QVERIFY2(fetched == movieBytes, qPrintable(QStringLiteral("%1 bytes back for %2").arg(fetched.size()).arg(movieBytes.size())));
+        const QString back = outbox.filePath(QStringLiteral("back.mp4"));
+        QFile out(back);
+        QVERIFY(out.open(QIODevice::WriteOnly));
+        out.write(fetched);
+        out.close();
+        QCOMPARE(MovieProbe::probe(back).frames, MovieProbe::probe(movie).frames);
+        QVERIFY(MovieProbe::probe(back).frames > 30);
+        QCOMPARE(Mp4Summary::read(movie).videoFrames, MovieProbe::probe(movie).frames);
+        // What the transfer syntax promises: High Profile, at most Level 4.1.
+        QCOMPARE(MovieProbe::probe(movie).profile, QStringLiteral("High"));
+        QVERIFY2(MovieProbe::probe(movie).level > 0 && MovieProbe::probe(movie).level <= 41,
+                 qPrintable(QString::number(MovieProbe::probe(movie).level)));
+
+        // The picture decodes with DCMTK's own tool.
+        const QString pictureBack = outbox.filePath(QStringLiteral("back.dcm"));
+        QString pictureInstance;
+        for (const QJsonValue &value : archive.get(QStringLiteral("/instances")).toArray()) {
+            if (value.toString() != movieInstance)
+                pictureInstance = value.toString();
+        }
+        QFile dicom(pictureBack);
+        QVERIFY(dicom.open(QIODevice::WriteOnly));
+        dicom.write(archive.getRaw(QStringLiteral("/instances/%1/file").arg(pictureInstance)));
+        dicom.close();
+        QProcess decode;
+        decode.start(QStringLiteral("dcmj2pnm"), { QStringLiteral("+on"), pictureBack, outbox.filePath(QStringLiteral("back.png")) });
+        QVERIFY(decode.waitForFinished(20000));
+        QVERIFY2(decode.exitCode() == 0, decode.readAllStandardError().constData());
+        QCOMPARE(QImage(outbox.filePath(QStringLiteral("back.png"))).size(), QImage(picture).size());
+    }
+
+    QTemporaryDir outbox;
     VirtualDevices &devices;
     OrthancServer archive;
     QString root;

@@ -1,0 +1,31 @@
+// Recorded files as the archive takes them: a snapshot becomes a VL
+// Endoscopic Image (its JPEG as it is), a movie a Video Endoscopic Image
+// (its MP4 as it is, MPEG-4 AVC/H.264 High Profile / Level 4.1). The
+// recorded file is only read.
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+
+#include "hospital/caseinformation.h"
+
+struct ObjectContext
+{
+    CaseInformation study;
+    QString patientName; // as typed, used when no worklist entry gave one
+    QString doctor;
+    QString hospital;
+    QString description;
+    QDateTime taken;
+    int seriesNumber = 1;
+    int instanceNumber = 1;
+};
+
+namespace DicomObjects {
+enum class Kind { Picture, Movie };
+
+Kind kindOf(const QString &recordedFile);
+// Writes the object for `recordedFile` to `target`; empty on success,
+// otherwise why not.
+QString write(const QString &recordedFile, const ObjectContext &context, const QString &target);
+} // namespace DicomObjects

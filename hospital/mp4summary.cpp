@@ -1,0 +1,214 @@
+#include "mp4summary.h"
+
+#include <QFile>
+#include <QHash>
+#include <QtEndian>
+
+namespace {
+
+struct Box
+{
+    QByteArray type;
+    qint64 start = 0;   // of the box's payload
+    qint64 size = 0;    // of the payload
+};
+
+struct Track
+{
+    QByteArray handler;
+    int width = 0;
+    int height = 0;
+    quint32 timescale = 0;
+    quint32 defaultDuration = 0; // from trex
+    qint64 samples = 0;
+    qint64 duration = 0; // in timescale units
+    QByteArray sampleEntry;
+};
+
+class Reader
+{
+public:
+    explicit Reader(QFile &file) : file(file) { }
+
+    // The boxes between `from` and `to`, in order.
+    QList<Box> children(qint64 from, qint64 to)
+    {
+        QList<Box> boxes;
+        qint64 at = from;
+        while (at + 8 <= to) {
+            const QByteArray head = readAt(at, 16);
+            if (head.size() < 8)
+                break;
+            quint64 size = qFromBigEndian<quint32>(head.constData());
+            qint64 headSize = 8;
+            if (size == 1 && head.size() >= 16) {
+                size = qFromBigEndian<quint64>(head.constData() + 8);
+                headSize = 16;
+            } else if (size == 0) {
+                size = quint64(to - at);
+            }
+            if (size < quint64(headSize) || at + qint64(size) > to)
+                break;
+            boxes.append({ head.mid(4, 4), at + headSize, qint64(size) - headSize });
+            at += qint64(size);
+        }
+        return boxes;
+    }
+
+    QByteArray readAt(qint64 at, qint64 length)
+    {
+        if (!file.seek(at))
+            return {};
+        return file.read(length);
+    }
+
+private:
+    QFile &file;
+};
+
+quint32 u32(const QByteArray &data, int at)
+{
+    return at + 4 <= data.size() ? qFromBigEndian<quint32>(data.constData() + at) : 0;
+}
+
+quint64 u64(const QByteArray &data, int at)
+{
+    return at + 8 <= data.size() ? qFromBigEndian<quint64>(data.constData() + at) : 0;
+}
+
+const Box *find(const QList<Box> &boxes, const char *type)
+{
+    for (const Box &box : boxes) {
+        if (box.type == type)
+            return &box;
+    }
+    return nullptr;
+}
+
+void readTrack(Reader &reader, const Box &trak, QHash<quint32, Track> &tracks)
+{
+    const QList<Box> parts = reader.children(trak.start, trak.start + trak.size);
+    const Box *tkhd = find(parts, "tkhd");
+    const Box *mdia = find(parts, "mdia");
+    if (!tkhd || !mdia)
+        return;
+    const QByteArray header = reader.readAt(tkhd->start, tkhd->size);
+    const bool wide = !header.isEmpty() && header.at(0) == 1;
+    const quint32 id = u32(header, wide ? 20 : 12);
+    Track &track = tracks[id];
+    // Width and height are 16.16 fixed point at the end of the header.
+    track.width = int(u32(header, header.size() - 8) >> 16);
+    track.height = int(u32(header, header.size() - 4) >> 16);
+    const QList<Box> media = reader.children(mdia->start, mdia->start + mdia->size);
+    if (const Box *mdhd = find(media, "mdhd")) {
+        const QByteArray data = reader.readAt(mdhd->start, mdhd->size);
+        const bool mdhdWide = !data.isEmpty() && data.at(0) == 1;
+        track.timescale = u32(data, mdhdWide ? 20 : 12);
+        track.duration = mdhdWide ? qint64(u64(data, 24)) : u32(data, 16);
+    }
+    if (const Box *hdlr = find(media, "hdlr"))
+        track.handler = reader.readAt(hdlr->start + 8, 4);
+    const Box *minf = find(media, "minf");
+    if (!minf)
+        return;
+    const Box *stbl = find(reader.children(minf->start, minf->start + minf->size), "stbl");
+    if (!stbl)
+        return;
+    const QList<Box> table = reader.children(stbl->start, stbl->start + stbl->size);
+    if (const Box *stsd = find(table, "stsd"))
+        track.sampleEntry = reader.readAt(stsd->start + 12, 4);
+    if (const Box *stsz = find(table, "stsz"))
+        track.samples = u32(reader.readAt(stsz->start, 12), 8);
+}
+
+void readFragment(Reader &reader, const Box &moof, QHash<quint32, Track> &tracks)
+{
+    for (const Box &traf : reader.children(moof.start, moof.start + moof.size)) {
+        if (traf.type != "traf")
+            continue;
+        quint32 id = 0;
+        quint32 defaultDuration = 0;
+        for (const Box &part : reader.children(traf.start, traf.start + traf.size)) {
+            const QByteArray data = reader.readAt(part.start, qMin<qint64>(part.size, 1 << 20));
+            const quint32 flags = u32(data, 0) & 0xffffff;
+            if (part.type == "tfhd") {
+                id = u32(data, 4);
+                int at = 8;
+                if (flags & 0x1)
+                    at += 8; // base data offset
+                if (flags & 0x2)
+                    at += 4; // sample description index
+                defaultDuration = (flags & 0x8) ? u32(data, at) : tracks.value(id).defaultDuration;
+            } else if (part.type == "trun" && tracks.contains(id)) {
+                Track &track = tracks[id];
+                const quint32 count = u32(data, 4);
+                track.samples += count;
+                if (flags & 0x100) {
+                    int at = 8 + ((flags & 0x1) ? 4 : 0) + ((flags & 0x4) ? 4 : 0);
+                    const int stride = 4 * (1 + ((flags & 0x200) ? 1 : 0) + ((flags & 0x400) ? 1 : 0) + ((flags & 0x800) ? 1 : 0));
+                    for (quint32 i = 0; i < count; ++i, at += stride)
+                        track.duration += u32(data, at);
+                } else {
+                    track.duration += qint64(count) * defaultDuration;
+                }
+            }
+        }
+    }
+}
+
+} // namespace
+
+Mp4Summary Mp4Summary::read(const QString &path)
+{
+    Mp4Summary summary;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        summary.error = file.errorString();
+        return summary;
+    }
+    Reader reader(file);
+    QHash<quint32, Track> tracks;
+    bool fragmented = false;
+    const QList<Box> top = reader.children(0, file.size());
+    for (const Box &box : top) {
+        if (box.type == "moov") {
+            const QList<Box> movie = reader.children(box.start, box.start + box.size);
+            for (const Box &part : movie) {
+                if (part.type == "trak")
+                    readTrack(reader, part, tracks);
+            }
+            if (const Box *mvex = find(movie, "mvex")) {
+                for (const Box &trex : reader.children(mvex->start, mvex->start + mvex->size)) {
+                    const QByteArray data = reader.readAt(trex.start, trex.size);
+                    if (trex.type == "trex" && tracks.contains(u32(data, 4)))
+                        tracks[u32(data, 4)].defaultDuration = u32(data, 12);
+                }
+            }
+        } else if (box.type == "moof") {
+            if (!fragmented) {
+                // A fragmented file's samples are all in its fragments.
+                for (Track &track : tracks) {
+                    track.samples = 0;
+                    track.duration = 0;
+                }
+                fragmented = true;
+            }
+            readFragment(reader, box, tracks);
+        }
+    }
+    for (const Track &track : std::as_const(tracks)) {
+        if (track.handler == "vide" && !summary.valid) {
+            summary.valid = track.width > 0 && track.height > 0;
+            summary.width = track.width;
+            summary.height = track.height;
+            summary.videoFrames = track.samples;
+            summary.videoSeconds = track.timescale ? double(track.duration) / track.timescale : 0;
+        } else if (track.handler == "soun") {
+            summary.hasAudio = true;
+            summary.audioCodec = QString::fromLatin1(track.sampleEntry);
+        }
+    }
+    if (!summary.valid)
+        summary.error = QStringLiteral("no picture track in %1").arg(path);
+    return summary;
+}
