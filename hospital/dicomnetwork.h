@@ -7,6 +7,7 @@
 
 #include <QDate>
 #include <QList>
+#include <QMetaType>
 #include <QString>
 #include <QTime>
 
@@ -26,6 +27,8 @@ struct WorklistEntry
     // "Family, Given", as a person reads it.
     QString readableName() const;
 };
+
+Q_DECLARE_METATYPE(WorklistEntry)
 
 struct WorklistQuery
 {

@@ -2,6 +2,7 @@
 // program calls itself towards it.
 #pragma once
 
+#include <QMetaType>
 #include <QString>
 
 struct DicomNode
@@ -22,6 +23,8 @@ struct DicomNode
     bool operator==(const DicomNode &other) const;
     bool operator!=(const DicomNode &other) const { return !(*this == other); }
 };
+
+Q_DECLARE_METATYPE(DicomNode)
 
 // The two nodes and the automatic sending, kept with the program's other
 // settings under a group of their own.

@@ -29,3 +29,5 @@ Kind kindOf(const QString &recordedFile);
 // otherwise why not.
 QString write(const QString &recordedFile, const ObjectContext &context, const QString &target);
 } // namespace DicomObjects
+
+Q_DECLARE_METATYPE(ObjectContext)

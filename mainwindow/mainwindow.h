@@ -24,6 +24,7 @@
 #include <QVideoSink>
 
 #include "hospital/caseinformation.h"
+#include "hospital/dicomobjects.h"
 #include "imaging/framefilters.h"
 #include "imaging/liveframepipeline.h"
 #include "mainwindow/recordingguard.h"
@@ -37,7 +38,9 @@ class QAudioSource;
 class QCheckBox;
 class QComboBox;
 class QDialog;
+class ArchiveQueue;
 class HospitalSettingsDialog;
+class QProgressBar;
 class WorklistDialog;
 class QCamera;
 class QFrame;
@@ -212,6 +215,7 @@ public slots:
     // mainwindow_hospital.cpp
     void showHospitalSettings();
     void chooseFromWorklist();
+    void sendSelectedToArchive();
 
     // The dialogs once built, for tests; null before.
     QDialog *videoQualityDialog() const { return colorDialog; }
@@ -222,6 +226,7 @@ public slots:
     // The archive's view of the next recording: the worklist entry chosen
     // for it, or a study of its own for a patient typed by hand.
     CaseInformation liveCase();
+    ArchiveQueue *archive() const { return archiveQueue; }
 
 protected:
     void changeEvent(QEvent *event) override;
@@ -448,6 +453,20 @@ private:
     void wireWorklistButton();
     void updateWorklistButton();
     void forgetWorklistEntryIfRenamed(const QString &patient);
+    ArchiveQueue *archiveQueue = nullptr;
+    QPushButton *archiveSendButton = nullptr;
+    QProgressBar *archiveProgress = nullptr;
+    QPointer<QMessageBox> archiveNotice;
+    QString snapshotStudyUid;   // snapshots of one study share a series
+    QString snapshotSeriesUid;
+    int snapshotInstance = 0;
+    void setupArchive(QHBoxLayout *headerLayout, QWidget *header, QVBoxLayout *bodyLayout, QWidget *body);
+    ObjectContext movieContext(const QString &moviePath) const;
+    ObjectContext snapshotContext();
+    void movieFinished(const QString &moviePath);
+    void snapshotKept(const QString &picturePath);
+    void showArchiveProgress(const QString &file, qint64 sent, qint64 total);
+    void showArchiveProblem(const QString &message);
     // Date, File Name, Doctor Name, Patient Name, Hospital Name, Comment.
     std::array<QWidget *, 6> informationFields {};
     QLabel *storageFreeSpaceLabel = nullptr;

@@ -93,6 +93,8 @@ void MainWindow::cameraDropped(QList<QCameraDevice> droppedCameras)
         startedCameraDevice = QCameraDevice();
         // A file begun after the camera had already gone has sound only.
         const bool removed = removeEmptyMovie(droppedMovie, false);
+        if (!removed)
+            movieFinished(droppedMovie);
 
         stopMediaPlayer();
         showWaitingPage();

@@ -3,12 +3,21 @@
 #include "mainwindow.h"
 
 #include <QEvent>
+#include <QFileInfo>
 #include <QHBoxLayout>
 #include <QLineEdit>
+#include <QListView>
 #include <QMessageBox>
+#include <QProgressBar>
 #include <QPushButton>
+#include <QStandardPaths>
+#include <QVBoxLayout>
 
 #include "app/orvixlogging.h"
+#include "hospital/archivequeue.h"
+#include "storage/recordinginformation.h"
+#include "storage/storagepaths.h"
+#include "widgets/archivestatedelegate.h"
 #include "widgets/hospitalsettingsdialog.h"
 #include "widgets/worklistdialog.h"
 
@@ -133,4 +142,143 @@ CaseInformation MainWindow::liveCase()
     }
     information.seriesInstanceUid = recordingSeriesUid;
     return information;
+}
+
+void MainWindow::setupArchive(QHBoxLayout *headerLayout, QWidget *header, QVBoxLayout *bodyLayout, QWidget *body)
+{
+    archiveQueue = new ArchiveQueue(
+            QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + QStringLiteral("/archive"), this);
+    thumbnailView->setItemDelegate(new ArchiveStateDelegate(archiveQueue, thumbnailView));
+    connect(archiveQueue, &ArchiveQueue::stateChanged, thumbnailView->viewport(), qOverload<>(&QWidget::update));
+    connect(archiveQueue, &ArchiveQueue::progress, this, &MainWindow::showArchiveProgress);
+    connect(archiveQueue, &ArchiveQueue::problem, this, &MainWindow::showArchiveProblem);
+
+    archiveSendButton = new QPushButton(tr("Send"), header);
+    archiveSendButton->setObjectName(QStringLiteral("FilePreviewSendButton"));
+    archiveSendButton->setToolTip(tr("Send the selected movie or snapshot to the archive (PACS)"));
+    archiveSendButton->setFixedHeight(20);
+    archiveSendButton->setStyleSheet(informationWorklistButton->styleSheet().replace(
+            QStringLiteral("InformationWorklistButton"), archiveSendButton->objectName()));
+    connect(archiveSendButton, &QPushButton::clicked, this, &MainWindow::sendSelectedToArchive);
+    headerLayout->insertWidget(headerLayout->indexOf(removeFileButton), archiveSendButton);
+    headerLayout->insertSpacing(headerLayout->indexOf(removeFileButton), 4);
+
+    archiveProgress = new QProgressBar(body);
+    archiveProgress->setObjectName(QStringLiteral("ArchiveProgressBar"));
+    archiveProgress->setRange(0, 1000);
+    archiveProgress->setTextVisible(true);
+    archiveProgress->setStyleSheet(QStringLiteral("QProgressBar#ArchiveProgressBar {color: white; }"));
+    archiveProgress->hide();
+    bodyLayout->addWidget(archiveProgress);
+}
+
+ObjectContext MainWindow::movieContext(const QString &moviePath) const
+{
+    // What was typed before the recording, kept beside it.
+    const QString informationPath = StoragePaths::recordingInformationPath(moviePath);
+    const RecordingInformation typed = RecordingInformation::read(informationPath);
+    ObjectContext context;
+    context.study = CaseInformation::read(informationPath);
+    context.patientName = typed.patient;
+    context.doctor = typed.doctor;
+    context.hospital = typed.hospital;
+    context.description = typed.fileName;
+    const QFileInfo movie(moviePath);
+    context.taken = movie.birthTime().isValid() ? movie.birthTime() : movie.lastModified();
+    if (context.study.studyInstanceUid.isEmpty())
+        context.study.studyInstanceUid = DicomUid::make();
+    if (context.study.seriesInstanceUid.isEmpty())
+        context.study.seriesInstanceUid = DicomUid::make();
+    // The files of a split recording follow one another in their series.
+    context.instanceNumber = 1;
+    return context;
+}
+
+ObjectContext MainWindow::snapshotContext()
+{
+    ObjectContext context;
+    context.study = liveCase();
+    if (snapshotStudyUid != context.study.studyInstanceUid) {
+        snapshotStudyUid = context.study.studyInstanceUid;
+        snapshotSeriesUid = DicomUid::make();
+        snapshotInstance = 0;
+    }
+    context.study.seriesInstanceUid = snapshotSeriesUid;
+    context.seriesNumber = 2;
+    context.instanceNumber = ++snapshotInstance;
+    context.patientName = informationText(patientField);
+    context.doctor = informationText(2);
+    context.hospital = informationText(4);
+    context.description = tr("Snapshots");
+    context.taken = QDateTime::currentDateTime();
+    return context;
+}
+
+void MainWindow::movieFinished(const QString &moviePath)
+{
+    if (moviePath.isEmpty() || !QFileInfo::exists(moviePath) || !HospitalSettings::sendAutomatically())
+        return;
+    archiveQueue->add(moviePath, movieContext(moviePath));
+}
+
+void MainWindow::snapshotKept(const QString &picturePath)
+{
+    ObjectContext context;
+    if (HospitalSettings::sendAutomatically() && archiveQueue->knownPicture(picturePath, &context))
+        archiveQueue->add(picturePath, context);
+}
+
+void MainWindow::sendSelectedToArchive()
+{
+    if (!HospitalSettings::node(HospitalSettings::Role::Archive).isComplete()) {
+        QMessageBox::information(this, tr("Archive"),
+                                 tr("No archive is set up yet. Enter its AE title, host and port under "
+                                    "Configuration > Hospital Systems."));
+        return;
+    }
+    const QModelIndex index = thumbnailView->currentIndex();
+    if (!index.isValid()) {
+        QMessageBox::information(this, tr("Archive"), tr("Select a movie or a snapshot in the list first."));
+        return;
+    }
+    const QString file = QFileInfo(index.data(Qt::DisplayRole).toString()).absoluteFilePath();
+    if (DicomObjects::kindOf(file) == DicomObjects::Kind::Movie) {
+        archiveQueue->add(file, movieContext(file));
+        return;
+    }
+    ObjectContext context;
+    if (!archiveQueue->knownPicture(file, &context)) {
+        // Without the case it belongs to, a picture could land with the
+        // wrong patient.
+        QMessageBox::information(this, tr("Archive"),
+                                 tr("%1 was not taken with this program's archive settings, so its patient is "
+                                    "not known. It is not sent.")
+                                         .arg(QFileInfo(file).fileName()));
+        return;
+    }
+    archiveQueue->add(file, context);
+}
+
+void MainWindow::showArchiveProgress(const QString &file, qint64 sent, qint64 total)
+{
+    if (total <= 0 || sent >= total) {
+        archiveProgress->hide();
+        return;
+    }
+    archiveProgress->setFormat(tr("Sending %1: %p%").arg(QFileInfo(file).fileName()));
+    archiveProgress->setValue(int(sent * 1000 / total));
+    archiveProgress->show();
+}
+
+void MainWindow::showArchiveProblem(const QString &message)
+{
+    archiveProgress->hide();
+    // One box, kept and brought back, never a stream of them.
+    if (!archiveNotice) {
+        archiveNotice = new QMessageBox(QMessageBox::Warning, tr("Archive"), QString(), QMessageBox::Ok, this);
+        archiveNotice->setObjectName(QStringLiteral("ArchiveNotice"));
+        archiveNotice->setWindowModality(Qt::NonModal);
+    }
+    archiveNotice->setText(message);
+    archiveNotice->show();
 }

@@ -450,6 +450,7 @@ void MainWindow::setupFilePreviewPanel()
             "background-color: rgb(58, 58, 58); }"));
     connect(thumbnailView, &QListView::doubleClicked, this, &MainWindow::selectionChanged);
     bodyLayout->addWidget(thumbnailView);
+    setupArchive(headerLayout, header, bodyLayout, body);
 
     auto *shortCuts = new QWidget(body);
     auto *shortCutsLayout = new QHBoxLayout(shortCuts);

@@ -293,7 +293,9 @@ void MainWindow::updateRecorderState(QMediaRecorder::RecorderState state)
 {
     if (state != QMediaRecorder::StoppedState)
         return;
-    removeEmptyMovie(std::exchange(finishingMoviePath, QString()));
+    const QString finished = std::exchange(finishingMoviePath, QString());
+    if (!removeEmptyMovie(finished))
+        movieFinished(finished);
     if (splitPending) {
         auto *delay = new OrvixDelayTask;
         // A call already queued when the recording stops still arrives.

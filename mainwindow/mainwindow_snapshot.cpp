@@ -8,6 +8,7 @@
 #include <QPushButton>
 
 #include "app/orvixlogging.h"
+#include "hospital/archivequeue.h"
 #include "storage/storagepaths.h"
 
 namespace {
@@ -35,6 +36,7 @@ void MainWindow::captureStillImage()
     const QString path = StoragePaths::imagePath(storageRoot(), QDateTime::currentDateTime());
     imageCapturePending = true;
     imageCapture->captureToFile(path);
+    archiveQueue->rememberPicture(path, snapshotContext());
     imageCaptureButton->setEnabled(false);
 
     // Qt reports a snapshot that cannot be saved through a signal the window
@@ -88,6 +90,8 @@ void MainWindow::checkSnapshots()
         // before it could say so.
         if (!isWholePicture(snapshot.first))
             lost.append(snapshot.first);
+        else
+            snapshotKept(snapshot.first);
         return true;
     });
     if (pendingSnapshots.isEmpty())

@@ -43,4 +43,3 @@ private:
     bool asking = false;
 };
 
-Q_DECLARE_METATYPE(WorklistEntry)

@@ -1,5 +1,6 @@
 // The hospital's systems against a real PACS (Orthanc, started here): is
 // it there, what does the worklist hold for this station today.
+#include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMediaDevices>
@@ -13,6 +14,7 @@
 #include <QJsonArray>
 #include <QJsonObject>
 
+#include "hospital/archivequeue.h"
 #include "hospital/dicomnetwork.h"
 #include "hospital/dicomobjects.h"
 #include "hospital/mp4summary.h"
@@ -259,6 +261,7 @@ private slots:
         }
         fill(0, QStringLiteral("OR1"), OrthancServer::aeTitle(), archive.dicomPort());
         fill(1, QStringLiteral("OR1"), OrthancServer::aeTitle(), archive.dicomPort());
+        settings->findChild<QCheckBox *>(QStringLiteral("HospitalSendAutomatically"))->setChecked(true);
         settings->testButton()->click();
         QTRY_VERIFY_WITH_TIMEOUT(settings->testButton()->isEnabled(), 15000);
         QVERIFY(settings->testResult(HospitalSettings::Role::Archive)->text().contains(QLatin1String("answered")));
@@ -289,6 +292,8 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(window.currentRecorder()->recorderState(), QMediaRecorder::RecordingState, 5000);
         QVERIFY(!worklistButton->isEnabled());
         QTest::qWait(2000);
+        window.captureStillImage();
+        QTest::qWait(4000);
         window.captureVideo();
         QTRY_COMPARE_WITH_TIMEOUT(window.currentRecorder()->recorderState(), QMediaRecorder::StoppedState, 10000);
         QVERIFY(worklistButton->isEnabled());
@@ -306,12 +311,13 @@ private slots:
         QCOMPARE(kept.studyInstanceUid, studyUid);
         QVERIFY(!kept.seriesInstanceUid.isEmpty() && kept.seriesInstanceUid != studyUid);
 
-        // The movie and a snapshot of the case, as the archive takes them.
-        window.captureStillImage();
-        QString picture;
-        QTRY_VERIFY_WITH_TIMEOUT(!(picture = QDir(root + QStringLiteral("Image")).entryList({ "*.jpg" }).value(0)).isEmpty(), 5000);
-        QTest::qWait(500);
-        sendAndCheck(ini, root + QStringLiteral("Image/") + picture, studyUid);
+        // The movie and the snapshot went to the archive by themselves.
+        const QString movie = ini.left(ini.size() - 4) + QStringLiteral(".mp4");
+        const QString picture = root + QStringLiteral("Image/") + QDir(root + QStringLiteral("Image")).entryList({ "*.jpg" }).value(0);
+        ArchiveQueue *queue = window.archive();
+        QTRY_COMPARE_WITH_TIMEOUT(queue->state(movie), ArchiveQueue::State::Sent, 30000);
+        QTRY_COMPARE_WITH_TIMEOUT(queue->state(picture), ArchiveQueue::State::Sent, 30000);
+        checkArchived(movie, picture, studyUid);
 
         // Another patient typed over it is not the worklist's patient.
         patient->setText(QStringLiteral("Someone Else"));
@@ -332,37 +338,71 @@ private slots:
         QVERIFY2(archive.start(&error), qPrintable(error));
     }
 
-private:
-    // Builds both objects, sends them, and reads back through Orthanc's
-    // REST API what arrived.
-    void sendAndCheck(const QString &ini, const QString &picture, const QString &studyUid)
+    // The archive gone while a case is recorded: the recording goes on, the
+    // files wait and say so once; the program ends and starts again; the
+    // archive comes back: everything arrives, once.
+    void archiveDownAcrossARestart()
     {
-        const QString movie = ini.left(ini.size() - 4) + QStringLiteral(".mp4");
-        const RecordingInformation typed = RecordingInformation::read(ini);
-        ObjectContext context;
-        context.study = CaseInformation::read(ini);
-        context.patientName = typed.patient;
-        context.doctor = typed.doctor;
-        context.hospital = typed.hospital;
-        context.taken = QFileInfo(movie).birthTime().isValid() ? QFileInfo(movie).birthTime() : QDateTime::currentDateTime();
-        const QString movieObject = outbox.filePath(QStringLiteral("movie.dcm"));
-        QString error = DicomObjects::write(movie, context, movieObject);
-        QVERIFY2(error.isEmpty(), qPrintable(error));
-        ObjectContext snapshot = context;
-        snapshot.study.seriesInstanceUid = DicomUid::make();
-        snapshot.seriesNumber = 2;
-        const QString pictureObject = outbox.filePath(QStringLiteral("picture.dcm"));
-        error = DicomObjects::write(picture, snapshot, pictureObject);
-        QVERIFY2(error.isEmpty(), qPrintable(error));
+        QString error;
+        const int before = archive.get(QStringLiteral("/instances")).toArray().size();
+        QStringList files;
+        {
+            MainWindow window;
+            window.resize(1280, 720);
+            window.show();
+            QVERIFY(QTest::qWaitForWindowExposed(&window));
+            QTRY_VERIFY_WITH_TIMEOUT(window.isCameraLive(), 10000);
+            window.findChild<QLineEdit *>(QStringLiteral("InformationFileNameEdit"))->setText(QStringLiteral("case8"));
+            window.findChild<QLineEdit *>(QStringLiteral("InformationPatientNameEdit"))->setText(QStringLiteral("Berger, Anna"));
+            archive.stop();
+            window.captureVideo();
+            QTRY_COMPARE_WITH_TIMEOUT(window.currentRecorder()->recorderState(), QMediaRecorder::RecordingState, 5000);
+            QTest::qWait(1500);
+            window.captureStillImage();
+            QTest::qWait(1500);
+            window.captureStillImage();
+            QTest::qWait(1500);
+            QVERIFY(window.currentRecorder()->recorderState() == QMediaRecorder::RecordingState);
+            window.captureVideo();
+            QTRY_COMPARE_WITH_TIMEOUT(window.currentRecorder()->recorderState(), QMediaRecorder::StoppedState, 10000);
+            files << root + QStringLiteral("Movie/") + QDir(root + QStringLiteral("Movie")).entryList({ "case8_*.mp4" }).value(0);
+            for (const QString &name : QDir(root + QStringLiteral("Image")).entryList({ "*.jpg" }, QDir::Files, QDir::Time).mid(0, 2))
+                files << root + QStringLiteral("Image/") + name;
+            ArchiveQueue *queue = window.archive();
+            for (const QString &file : std::as_const(files))
+                QTRY_COMPARE_WITH_TIMEOUT(queue->state(file), ArchiveQueue::State::Waiting, 15000);
+            // Said once, in one box that stays, whatever the number of tries.
+            auto *notice = window.findChild<QMessageBox *>(QStringLiteral("ArchiveNotice"));
+            QVERIFY(notice && notice->isVisible());
+            QVERIFY2(notice->text().contains(QLatin1String("cannot be reached")), qPrintable(notice->text()));
+            QCOMPARE(window.findChildren<QMessageBox *>(QStringLiteral("ArchiveNotice")).size(), 1);
+            QString reason;
+            queue->state(files[0], &reason);
+            QVERIFY2(reason.contains(QLatin1String("Nothing answers")), qPrintable(reason));
+        }
+        // Started again, with the archive still away, then back.
+        MainWindow window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        for (const QString &file : std::as_const(files))
+            QVERIFY(window.archive()->state(file) != ArchiveQueue::State::Sent);
+        QTest::qWait(2000);
+        QVERIFY2(archive.start(&error), qPrintable(error));
+        for (const QString &file : std::as_const(files))
+            QTRY_COMPARE_WITH_TIMEOUT(window.archive()->state(file), ArchiveQueue::State::Sent, 60000);
+        QCOMPARE(archive.get(QStringLiteral("/instances")).toArray().size(), before + 3);
+        QTest::qWait(2000);
+        QCOMPARE(archive.get(QStringLiteral("/instances")).toArray().size(), before + 3);
+        // The recorded files are as they were.
+        for (const QString &file : std::as_const(files))
+            QVERIFY(QFileInfo(file).size() > 0);
+    }
+
+private:
+    // What arrived, read back through Orthanc's REST API.
+    void checkArchived(const QString &movie, const QString &picture, const QString &studyUid)
+    {
         const QByteArray movieBytes = [&] { QFile f(movie); f.open(QIODevice::ReadOnly); return f.readAll(); }();
-
-        qint64 sent = 0;
-        error = DicomNetwork::store(archive.node(QStringLiteral("OR1")), movieObject, [&sent](qint64 bytes) { sent = bytes; });
-        QVERIFY2(error.isEmpty(), qPrintable(error));
-        QVERIFY2(sent >= movieBytes.size(), qPrintable(QString::number(sent)));
-        error = DicomNetwork::store(archive.node(QStringLiteral("OR1")), pictureObject);
-        QVERIFY2(error.isEmpty(), qPrintable(error));
-
         const QJsonArray studies = archive.get(QStringLiteral("/studies?expand")).toArray();
         QCOMPARE(studies.size(), 1);
         const QJsonObject study = studies[0].toObject();

@@ -1,0 +1,78 @@
+#include "archivestatedelegate.h"
+
+#include <QAbstractItemView>
+#include <QFileInfo>
+#include <QHelpEvent>
+#include <QPainter>
+#include <QToolTip>
+
+#include "hospital/archivequeue.h"
+
+ArchiveStateDelegate::ArchiveStateDelegate(ArchiveQueue *queue, QObject *parent)
+    : QStyledItemDelegate(parent), queue(queue)
+{
+}
+
+QString ArchiveStateDelegate::stateLine(const QString &file) const
+{
+    if (!queue)
+        return QString();
+    QString reason;
+    const ArchiveQueue::State state = queue->state(file, &reason);
+    QString line = tr("Archive: %1").arg(ArchiveQueue::stateText(state));
+    if (!reason.isEmpty() && state != ArchiveQueue::State::Sent)
+        line += QStringLiteral(" (%1)").arg(reason);
+    return line;
+}
+
+void ArchiveStateDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    QStyledItemDelegate::paint(painter, option, index);
+    if (!queue)
+        return;
+    const ArchiveQueue::State state = queue->state(index.data(Qt::DisplayRole).toString());
+    if (state == ArchiveQueue::State::NotSent)
+        return;
+    QColor colour;
+    QString mark;
+    switch (state) {
+    case ArchiveQueue::State::Sent:
+        colour = QColor(46, 139, 87);
+        mark = QStringLiteral("✓");
+        break;
+    case ArchiveQueue::State::Failed:
+        colour = QColor(192, 57, 43);
+        mark = QStringLiteral("!");
+        break;
+    default:
+        colour = QColor(214, 150, 20);
+        mark = QStringLiteral("…");
+        break;
+    }
+    // A round mark at the picture's top right corner.
+    const QRect cell = option.rect;
+    const QRect badge(cell.right() - 18, cell.top() + 2, 16, 16);
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setPen(Qt::NoPen);
+    painter->setBrush(colour);
+    painter->drawEllipse(badge);
+    painter->setPen(Qt::white);
+    QFont font = painter->font();
+    font.setBold(true);
+    font.setPixelSize(11);
+    painter->setFont(font);
+    painter->drawText(badge, Qt::AlignCenter, mark);
+    painter->restore();
+}
+
+bool ArchiveStateDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
+                                     const QModelIndex &index)
+{
+    if (event->type() == QEvent::ToolTip && index.isValid() && queue) {
+        const QString file = index.data(Qt::DisplayRole).toString();
+        QToolTip::showText(event->globalPos(), QFileInfo(file).fileName() + QLatin1Char('\n') + stateLine(file), view);
+        return true;
+    }
+    return QStyledItemDelegate::helpEvent(event, view, option, index);
+}
