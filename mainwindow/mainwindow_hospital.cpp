@@ -15,6 +15,7 @@
 
 #include "app/orvixlogging.h"
 #include "hospital/archivequeue.h"
+#include "storage/orvixstoragemodel.h"
 #include "storage/recordinginformation.h"
 #include "storage/storagepaths.h"
 #include "widgets/archivestatedelegate.h"
@@ -149,7 +150,11 @@ void MainWindow::setupArchive(QHBoxLayout *headerLayout, QWidget *header, QVBoxL
     archiveQueue = new ArchiveQueue(
             QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + QStringLiteral("/archive"), this);
     thumbnailView->setItemDelegate(new ArchiveStateDelegate(archiveQueue, thumbnailView));
-    connect(archiveQueue, &ArchiveQueue::stateChanged, thumbnailView->viewport(), qOverload<>(&QWidget::update));
+    connect(archiveQueue, &ArchiveQueue::stateChanged, this, [this](const QString &file) {
+        thumbnailView->viewport()->update();
+        if (archiveQueue->state(file) != ArchiveQueue::State::Sending)
+            archiveProgress->hide();
+    });
     connect(archiveQueue, &ArchiveQueue::progress, this, &MainWindow::showArchiveProgress);
     connect(archiveQueue, &ArchiveQueue::problem, this, &MainWindow::showArchiveProblem);
 
@@ -241,7 +246,7 @@ void MainWindow::sendSelectedToArchive()
         QMessageBox::information(this, tr("Archive"), tr("Select a movie or a snapshot in the list first."));
         return;
     }
-    const QString file = QFileInfo(index.data(Qt::DisplayRole).toString()).absoluteFilePath();
+    const QString file = index.data(OrvixStorageModel::informationRole).value<OrvixMediaInformation>().fileInfo.absoluteFilePath();
     if (DicomObjects::kindOf(file) == DicomObjects::Kind::Movie) {
         archiveQueue->add(file, movieContext(file));
         return;

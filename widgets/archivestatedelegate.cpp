@@ -7,6 +7,14 @@
 #include <QToolTip>
 
 #include "hospital/archivequeue.h"
+#include "storage/orvixstoragemodel.h"
+
+namespace {
+QString pathOf(const QModelIndex &index)
+{
+    return index.data(OrvixStorageModel::informationRole).value<OrvixMediaInformation>().fileInfo.absoluteFilePath();
+}
+} // namespace
 
 ArchiveStateDelegate::ArchiveStateDelegate(ArchiveQueue *queue, QObject *parent)
     : QStyledItemDelegate(parent), queue(queue)
@@ -30,7 +38,7 @@ void ArchiveStateDelegate::paint(QPainter *painter, const QStyleOptionViewItem &
     QStyledItemDelegate::paint(painter, option, index);
     if (!queue)
         return;
-    const ArchiveQueue::State state = queue->state(index.data(Qt::DisplayRole).toString());
+    const ArchiveQueue::State state = queue->state(pathOf(index));
     if (state == ArchiveQueue::State::NotSent)
         return;
     QColor colour;
@@ -70,7 +78,7 @@ bool ArchiveStateDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view,
                                      const QModelIndex &index)
 {
     if (event->type() == QEvent::ToolTip && index.isValid() && queue) {
-        const QString file = index.data(Qt::DisplayRole).toString();
+        const QString file = pathOf(index);
         QToolTip::showText(event->globalPos(), QFileInfo(file).fileName() + QLatin1Char('\n') + stateLine(file), view);
         return true;
     }

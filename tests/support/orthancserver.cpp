@@ -156,3 +156,27 @@ QJsonValue OrthancServer::get(const QString &path) const
         return document.array();
     return QJsonValue();
 }
+
+QString OrthancServer::worklistEntry(const QString &name, const QString &id, const QString &studyUid,
+                                     const QString &station, const QDate &date, const QString &time,
+                                     const QString &procedure)
+{
+    return QStringLiteral("(0008,0005) CS [ISO_IR 192]\n"
+                          "(0008,0050) SH [ACC-%2]\n"
+                          "(0010,0010) PN [%1]\n"
+                          "(0010,0020) LO [%2]\n"
+                          "(0020,000d) UI [%3]\n"
+                          "(0032,1060) LO [%7]\n"
+                          "(0040,1001) SH [RP-%2]\n"
+                          "(0040,0100) SQ (Sequence with explicit length #=1)\n"
+                          "(fffe,e000) na (Item with explicit length #=6)\n"
+                          "(0008,0060) CS [ES]\n"
+                          "(0040,0001) AE [%4]\n"
+                          "(0040,0002) DA [%5]\n"
+                          "(0040,0003) TM [%6]\n"
+                          "(0040,0007) LO [%7]\n"
+                          "(0040,0009) SH [SPS-%2]\n"
+                          "(fffe,e00d) na (ItemDelimitationItem for re-encoding)\n"
+                          "(fffe,e0dd) na (SequenceDelimitationItem for re-encod.)\n")
+        .arg(name, id, studyUid, station, date.toString(QStringLiteral("yyyyMMdd")), time, procedure);
+}

@@ -5,6 +5,7 @@
 // through its REST API.
 #pragma once
 
+#include <QDate>
 #include <QJsonValue>
 #include <QProcess>
 #include <QString>
@@ -34,6 +35,11 @@ public:
     // line per element) as <name>.wl; dump2dcm makes the file.
     bool addWorklist(const QString &name, const QString &dump, QString *error);
     void clearWorklists();
+    // The dump of a worklist entry as a hospital's scheduling system writes
+    // one: patient, study, procedure, and one step for a station on a day.
+    static QString worklistEntry(const QString &name, const QString &id, const QString &studyUid,
+                                 const QString &station, const QDate &date, const QString &time,
+                                 const QString &procedure);
 
     // GET on the REST API; a null value when it fails.
     QJsonValue get(const QString &path) const;

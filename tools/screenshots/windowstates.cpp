@@ -1,11 +1,16 @@
 // Every picture of the manual and the README, taken again from the real
 // window against the virtual camera and microphone, in a home folder that
 // reads like a user's: waiting for a camera, live, recording, the menus,
-// the dialogs, and a snapshot and a movie opened from the storage browser.
+// the dialogs, a snapshot and a movie opened from the storage browser, and
+// the hospital's systems against a real Orthanc.
 // Usage: orvix_window_screenshots <folder>   (on an X server, 1920x1080)
 #include <cstdio>
 
 #include <QAbstractButton>
+#include <QCheckBox>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QTableWidget>
 #include <QApplication>
 #include <QDialog>
 #include <QDir>
@@ -23,6 +28,13 @@
 #include <QTextEdit>
 
 #include "app/settingskeys.h"
+#include "hospital/archivequeue.h"
+#include "orthancserver.h"
+#include "widgets/hospitalsettingsdialog.h"
+#include "widgets/orvixmediaplayerwidget.h"
+#include <QVideoSink>
+#include <QVideoWidget>
+#include "widgets/worklistdialog.h"
 #include "mainwindow/mainwindow.h"
 #include "screenshots.h"
 #include "storage/orvixstoragemodel.h"
@@ -157,6 +169,23 @@ int main(int argc, char *argv[])
         settings.setValue(SettingsKeys::sizeLimit, 0);
     }
     bool saved = true;
+    OrthancServer pacs;
+    if (!pacs.start(&error)
+        || !pacs.addWorklist(QStringLiteral("berger"),
+                             OrthancServer::worklistEntry(QStringLiteral("Berger^Anna"), QStringLiteral("P-0042"),
+                                                          QStringLiteral("1.2.826.0.1.3680043.10.1138.42"), QStringLiteral("OR1"),
+                                                          QDate::currentDate(), QStringLiteral("083000"),
+                                                          QStringLiteral("Laparoscopic cholecystectomy")),
+                             &error)
+        || !pacs.addWorklist(QStringLiteral("keller"),
+                             OrthancServer::worklistEntry(QStringLiteral("Keller^Tom"), QStringLiteral("P-0057"),
+                                                          QStringLiteral("1.2.826.0.1.3680043.10.1138.57"), QStringLiteral("OR1"),
+                                                          QDate::currentDate(), QStringLiteral("111500"),
+                                                          QStringLiteral("Knee arthroscopy")),
+                             &error)) {
+        std::fprintf(stderr, "archive: %s\n", qPrintable(error));
+        return 2;
+    }
 
     devices.setCameras({});
     if (!camerasAre(0))
@@ -181,9 +210,33 @@ int main(int argc, char *argv[])
     QTest::qWait(3000);
     saved &= shoot(&window, QStringLiteral("idle-1280x720"));
 
-    // A case recorded, with a snapshot taken on the way.
-    fillInformation(window, { QStringLiteral("case12"), QStringLiteral("Dr. Weber"), QStringLiteral("Anna Berger"),
+    // The hospital's systems set up and tested, and the patient taken from
+    // the worklist.
+    window.showHospitalSettings();
+    HospitalSettingsDialog *hospital = window.hospitalSettingsDialog();
+    for (const QString &node : { QStringLiteral("HospitalArchive"), QStringLiteral("HospitalWorklist") }) {
+        hospital->findChild<QLineEdit *>(node + QStringLiteral("OwnAeTitle"))->setText(QStringLiteral("OR1"));
+        hospital->findChild<QLineEdit *>(node + QStringLiteral("CalledAeTitle"))->setText(OrthancServer::aeTitle());
+        hospital->findChild<QLineEdit *>(node + QStringLiteral("Host"))->setText(QStringLiteral("pacs.hospital.local"));
+        hospital->findChild<QSpinBox *>(node + QStringLiteral("Port"))->setValue(pacs.dicomPort());
+    }
+    // The name a hospital uses, the address this machine reaches it by.
+    hospital->findChild<QLineEdit *>(QStringLiteral("HospitalWorklistHost"))->setText(QStringLiteral("127.0.0.1"));
+    hospital->findChild<QLineEdit *>(QStringLiteral("HospitalArchiveHost"))->setText(QStringLiteral("127.0.0.1"));
+    hospital->findChild<QCheckBox *>(QStringLiteral("HospitalSendAutomatically"))->setChecked(true);
+    hospital->testButton()->click();
+    saved &= QTest::qWaitFor([hospital] { return hospital->testButton()->isEnabled(); }, 15000);
+    saved &= shootDialog(hospital, folder, QStringLiteral("dialog-hospital"));
+    hospital->accept();
+    fillInformation(window, { QStringLiteral("case12"), QStringLiteral("Dr. Weber"), QString(),
                               QStringLiteral("St. Elisabeth"), QStringLiteral("Laparoscopic cholecystectomy") });
+    window.chooseFromWorklist();
+    WorklistDialog *worklist = window.worklistDialog();
+    saved &= worklist && QTest::qWaitFor([worklist] { return !worklist->isAsking(); }, 15000);
+    saved &= shootDialog(worklist, folder, QStringLiteral("dialog-worklist"));
+    worklist->accept();
+
+    // A case recorded, with a snapshot taken on the way.
     window.captureVideo();
     QTest::qWait(2000);
     window.captureStillImage();
@@ -196,9 +249,10 @@ int main(int argc, char *argv[])
     saved &= shoot(&window, QStringLiteral("recording-1280x720"));
     window.captureVideo();
     saved &= QTest::qWaitFor([&] { return window.currentRecorder()->recorderState() == QMediaRecorder::StoppedState; }, 10000);
-    fillInformation(window, { QStringLiteral("case13"), QStringLiteral("Dr. Weber"), QString(),
-                              QStringLiteral("St. Elisabeth"), QString() });
+    window.findChild<QLineEdit *>(QStringLiteral("InformationFileNameEdit"))->setText(QStringLiteral("case12b"));
     saved &= record(window, 3000);
+    // Everything of the case in the archive.
+    saved &= QTest::qWaitFor([&] { return window.archive()->waitingCount() == 0; }, 60000);
 
     saved &= shootMenus(window, folder);
     window.version();
@@ -218,10 +272,12 @@ int main(int argc, char *argv[])
     // The first movie, its information corrected in the browser as the
     // manual describes.
     saved &= openStored(window, root + QStringLiteral("Movie"), QStringLiteral("case12_*.mp4"));
-    QTest::qWait(1500);
+    auto *player = window.findChild<OrvixMediaPlayerWidget *>();
+    saved &= QTest::qWaitFor([player] { return player->videoSurface()->videoSink()->videoFrame().isValid(); }, 10000);
+    QTest::qWait(1000);
     auto *edit = window.findChild<QAbstractButton *>(QStringLiteral("InformationEditButton"));
     edit->click();
-    fillInformation(window, { QStringLiteral("case12"), QStringLiteral("Dr. Weber"), QStringLiteral("Anna Berger"),
+    fillInformation(window, { QStringLiteral("case12"), QStringLiteral("Dr. Weber"), QStringLiteral("Berger, Anna"),
                               QStringLiteral("St. Elisabeth"), QStringLiteral("Laparoscopic cholecystectomy, gallstones removed") });
     edit->click();
     QTest::qWait(500);

@@ -26,31 +26,6 @@
 #include "widgets/hospitalsettingsdialog.h"
 #include "widgets/worklistdialog.h"
 
-namespace {
-// A worklist entry as the hospital's scheduling system would write it.
-QString worklistDump(const QString &name, const QString &id, const QString &studyUid, const QString &station,
-                     const QDate &date, const QString &time, const QString &procedure)
-{
-    return QStringLiteral("(0008,0005) CS [ISO_IR 192]\n"
-                          "(0008,0050) SH [ACC-%2]\n"
-                          "(0010,0010) PN [%1]\n"
-                          "(0010,0020) LO [%2]\n"
-                          "(0020,000d) UI [%3]\n"
-                          "(0032,1060) LO [%7]\n"
-                          "(0040,1001) SH [RP-%2]\n"
-                          "(0040,0100) SQ (Sequence with explicit length #=1)\n"
-                          "(fffe,e000) na (Item with explicit length #=6)\n"
-                          "(0008,0060) CS [ES]\n"
-                          "(0040,0001) AE [%4]\n"
-                          "(0040,0002) DA [%5]\n"
-                          "(0040,0003) TM [%6]\n"
-                          "(0040,0007) LO [%7]\n"
-                          "(0040,0009) SH [SPS-%2]\n"
-                          "(fffe,e00d) na (ItemDelimitationItem for re-encoding)\n"
-                          "(fffe,e0dd) na (SequenceDelimitationItem for re-encod.)\n")
-        .arg(name, id, studyUid, station, date.toString(QStringLiteral("yyyyMMdd")), time, procedure);
-}
-} // namespace
 
 class TestHospital : public QObject
 {
@@ -130,25 +105,25 @@ private slots:
         QString error;
         archive.clearWorklists();
         QVERIFY2(archive.addWorklist(QStringLiteral("anna"),
-                                     worklistDump(QStringLiteral("Müller^Anna"), QStringLiteral("P-0042"),
+                                     OrthancServer::worklistEntry(QStringLiteral("Müller^Anna"), QStringLiteral("P-0042"),
                                                   QStringLiteral("1.2.826.0.1.3680043.10.1138.42"), station, today,
                                                   QStringLiteral("143000"), QStringLiteral("Laparoscopic cholecystectomy")),
                                      &error),
                  qPrintable(error));
         QVERIFY2(archive.addWorklist(QStringLiteral("taro"),
-                                     worklistDump(QStringLiteral("山田^太郎"), QStringLiteral("P-0043"),
+                                     OrthancServer::worklistEntry(QStringLiteral("山田^太郎"), QStringLiteral("P-0043"),
                                                   QStringLiteral("1.2.826.0.1.3680043.10.1138.43"), station, today,
                                                   QStringLiteral("081500"), QStringLiteral("胃 endoscopy")),
                                      &error),
                  qPrintable(error));
         QVERIFY2(archive.addWorklist(QStringLiteral("other-room"),
-                                     worklistDump(QStringLiteral("Other^Room"), QStringLiteral("P-0044"),
+                                     OrthancServer::worklistEntry(QStringLiteral("Other^Room"), QStringLiteral("P-0044"),
                                                   QStringLiteral("1.2.826.0.1.3680043.10.1138.44"), QStringLiteral("OR2"),
                                                   today, QStringLiteral("100000"), QStringLiteral("Arthroscopy")),
                                      &error),
                  qPrintable(error));
         QVERIFY2(archive.addWorklist(QStringLiteral("tomorrow"),
-                                     worklistDump(QStringLiteral("Later^Case"), QStringLiteral("P-0045"),
+                                     OrthancServer::worklistEntry(QStringLiteral("Later^Case"), QStringLiteral("P-0045"),
                                                   QStringLiteral("1.2.826.0.1.3680043.10.1138.45"), station,
                                                   today.addDays(1), QStringLiteral("100000"), QStringLiteral("Hernia repair")),
                                      &error),
@@ -203,7 +178,7 @@ private slots:
         archive.clearWorklists();
         const QString studyUid = QStringLiteral("1.2.826.0.1.3680043.10.1138.42");
         QVERIFY2(archive.addWorklist(QStringLiteral("anna"),
-                                     worklistDump(QStringLiteral("Müller^Anna"), QStringLiteral("P-0042"), studyUid,
+                                     OrthancServer::worklistEntry(QStringLiteral("Müller^Anna"), QStringLiteral("P-0042"), studyUid,
                                                   QStringLiteral("OR1"), QDate::currentDate(), QStringLiteral("143000"),
                                                   QStringLiteral("Laparoscopic cholecystectomy")),
                                      &error),

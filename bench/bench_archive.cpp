@@ -1,0 +1,169 @@
+// Sending a large movie to the archive while the live view runs: the
+// longest stall of the window's thread, the pictures the live view shows a
+// second, the time to build the object and to send it, and the send
+// against DCMTK's own storescu sending the same object to the same Orthanc
+// in the same run. Usage: bench_archive [megabytes of movie, default 1024]
+#include <cstdio>
+
+#include <sys/resource.h>
+
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QMediaDevices>
+#include <QProcess>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+
+#include "app/settingskeys.h"
+#include "hospital/archivequeue.h"
+#include "hospital/dicomobjects.h"
+#include "mainwindow/mainwindow.h"
+#include "orthancserver.h"
+#include "tasks/orvixtaskscheduler.h"
+#include "virtualdevices.h"
+
+namespace {
+double peakRssMb()
+{
+    rusage usage {};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss / 1024.0;
+}
+
+// A movie of about the asked size: 1080p noise at a bit rate high enough
+// that the size comes quickly.
+bool makeMovie(const QString &path, int megabytes)
+{
+    const int seconds = qMax(2, megabytes * 8 / 100);
+    QProcess encoder;
+    encoder.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    encoder.start(QStringLiteral("gst-launch-1.0"),
+                  { QStringLiteral("-q"), QStringLiteral("videotestsrc"), QStringLiteral("pattern=snow"),
+                    QStringLiteral("num-buffers=%1").arg(seconds * 30), QStringLiteral("!"),
+                    QStringLiteral("video/x-raw,width=1920,height=1080,framerate=30/1"), QStringLiteral("!"),
+                    QStringLiteral("x264enc"), QStringLiteral("speed-preset=ultrafast"), QStringLiteral("bitrate=100000"),
+                    QStringLiteral("!"), QStringLiteral("video/x-h264,profile=high"), QStringLiteral("!"),
+                    QStringLiteral("mp4mux"), QStringLiteral("!"), QStringLiteral("filesink"),
+                    QStringLiteral("location=%1").arg(path) });
+    return encoder.waitForFinished(-1) && encoder.exitCode() == 0 && QFileInfo(path).size() > 0;
+}
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_LOGGING_RULES", "orvix.*.debug=false;qt.*=false");
+    VirtualDevices devices;
+    QApplication app(argc, argv);
+    QCoreApplication::setOrganizationName(QStringLiteral("Kelvane"));
+    QCoreApplication::setApplicationName(QStringLiteral("Orvix"));
+    OrvixSchedulerShutdown schedulerShutdown;
+    const int megabytes = argc > 1 ? std::max(10, std::atoi(argv[1])) : 1024;
+
+    QString error;
+    OrthancServer archive;
+    if (!devices.startAudio(&error) || !devices.addMicrophone(QStringLiteral("Orvix High Definition Mic II"), 440, &error)
+        || !archive.start(&error)) {
+        std::fprintf(stderr, "%s\n", qPrintable(error));
+        return 1;
+    }
+    devices.setCameras({ VirtualDevices::fullHdCamera() });
+    if (!QTest::qWaitFor([] { return !QMediaDevices::videoInputs().isEmpty(); }, 5000))
+        return 1;
+    const QString root = devices.makeStorageRoot(QStringLiteral("bench"));
+    const QString movie = root + QStringLiteral("Movie/large_261124_100000.mp4");
+    std::printf("Making a movie of about %d MB...\n", megabytes);
+    if (!makeMovie(movie, megabytes)) {
+        std::fprintf(stderr, "the movie could not be made\n");
+        return 1;
+    }
+    const double movieMb = QFileInfo(movie).size() / 1e6;
+    HospitalSettings::setNode(HospitalSettings::Role::Archive, archive.node());
+
+    MainWindow window;
+    window.resize(1280, 720);
+    window.show();
+    if (!QTest::qWaitFor([&] { return window.isCameraLive(); }, 10000))
+        return 1;
+    QTest::qWait(2000);
+
+    // The window's thread, looked at every 5 ms: the longest gap is its
+    // longest stall.
+    QElapsedTimer sinceTick;
+    qint64 longestGap = 0;
+    QTimer tick;
+    tick.setTimerType(Qt::PreciseTimer);
+    QObject::connect(&tick, &QTimer::timeout, [&] {
+        longestGap = qMax(longestGap, sinceTick.restart());
+    });
+
+    ObjectContext context;
+    context.patientName = QStringLiteral("Bench^Large");
+    context.study.studyInstanceUid = DicomUid::make();
+    context.study.seriesInstanceUid = DicomUid::make();
+    context.taken = QDateTime::currentDateTime();
+    window.liveView().statistics().takePeriod();
+    QElapsedTimer took;
+    took.start();
+    sinceTick.start();
+    tick.start(5);
+    window.archive()->add(movie, context);
+    QObject::connect(window.archive(), &ArchiveQueue::progress, [&, started = false](const QString &, qint64, qint64) mutable {
+        if (!started) {
+            started = true;
+            std::printf("object built after %.1f s\n", took.elapsed() / 1000.0);
+        }
+    });
+    if (!QTest::qWaitFor([&] { return window.archive()->state(movie) == ArchiveQueue::State::Sent; }, 30 * 60 * 1000)) {
+        QString reason;
+        window.archive()->state(movie, &reason);
+        std::fprintf(stderr, "not sent: %s\n", qPrintable(reason));
+        return 1;
+    }
+    tick.stop();
+    const double sendSeconds = took.elapsed() / 1000.0;
+    const FrameStatistics::Period shown = window.liveView().statistics().takePeriod();
+
+    // The reference: the same kind of object, sent by storescu.
+    QTemporaryDir scratch;
+    const QString object = scratch.filePath(QStringLiteral("reference.dcm"));
+    QElapsedTimer building;
+    building.start();
+    context.study.seriesInstanceUid = DicomUid::make();
+    error = DicomObjects::write(movie, context, object);
+    const double buildSeconds = building.elapsed() / 1000.0;
+    if (!error.isEmpty()) {
+        std::fprintf(stderr, "%s\n", qPrintable(error));
+        return 1;
+    }
+    QElapsedTimer referenceTook;
+    referenceTook.start();
+    QProcess storescu;
+    storescu.setProcessChannelMode(QProcess::ForwardedChannels);
+    storescu.start(QStringLiteral("storescu"), { QStringLiteral("-xn"), QStringLiteral("-R"), QStringLiteral("-aet"), QStringLiteral("ORVIX"), QStringLiteral("-aec"),
+                                                 OrthancServer::aeTitle(), QStringLiteral("127.0.0.1"),
+                                                 QString::number(archive.dicomPort()), object });
+    if (!storescu.waitForFinished(-1) || storescu.exitCode() != 0) {
+        std::fprintf(stderr, "storescu failed\n");
+        return 1;
+    }
+    const double referenceSeconds = referenceTook.elapsed() / 1000.0;
+    const double ownSendSeconds = sendSeconds - buildSeconds;
+
+    std::printf("\nmovie %.0f MB, %d cores\n", movieMb, QThread::idealThreadCount());
+    std::printf("| measure | value |\n|---|---|\n");
+    std::printf("| longest stall of the window's thread | %lld ms |\n", longestGap);
+    std::printf("| live view while sending | %.1f pictures/s (%d skipped) |\n", shown.shown / sendSeconds, shown.skipped);
+    std::printf("| queued to sent, all in | %.1f s (%.0f MB/s) |\n", sendSeconds, movieMb / sendSeconds);
+    std::printf("| of which building the object (measured apart) | %.1f s |\n", buildSeconds);
+    std::printf("| sending alone, estimated | %.1f s (%.0f MB/s) |\n", ownSendSeconds, movieMb / ownSendSeconds);
+    std::printf("| storescu, same object kind, same Orthanc | %.1f s (%.0f MB/s) |\n", referenceSeconds, movieMb / referenceSeconds);
+    std::printf("| sending throughput against storescu | %.0f %% |\n", 100.0 * referenceSeconds / ownSendSeconds);
+    std::printf("| peak memory of the program | %.0f MB |\n", peakRssMb());
+    return 0;
+}
