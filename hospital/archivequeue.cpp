@@ -114,14 +114,15 @@ ArchiveQueue::ArchiveQueue(const QString &folder, QObject *parent)
     qRegisterMetaType<DicomNode>();
     QDir().mkpath(folder + QStringLiteral("/outbox"));
     load();
+    workerThread = new QThread;
     auto *sender = new ArchiveWorker;
-    sender->moveToThread(&workerThread);
-    connect(&workerThread, &QThread::finished, sender, &QObject::deleteLater);
+    sender->moveToThread(workerThread);
+    connect(workerThread, &QThread::finished, sender, &QObject::deleteLater);
     connect(sender, &ArchiveWorker::progress, this, &ArchiveQueue::progress);
     connect(sender, &ArchiveWorker::done, this, &ArchiveQueue::finished);
     worker = sender;
-    workerThread.setObjectName(QStringLiteral("archive sender"));
-    workerThread.start(QThread::LowestPriority);
+    workerThread->setObjectName(QStringLiteral("archive sender"));
+    workerThread->start(QThread::LowestPriority);
     retryTimer.setSingleShot(true);
     connect(&retryTimer, &QTimer::timeout, this, &ArchiveQueue::dispatch);
     QTimer::singleShot(0, this, &ArchiveQueue::dispatch);
@@ -129,10 +130,16 @@ ArchiveQueue::ArchiveQueue(const QString &folder, QObject *parent)
 
 ArchiveQueue::~ArchiveQueue()
 {
-    // A send under way ends with the connection; the queue on disk keeps it.
-    workerThread.quit();
-    if (!workerThread.wait(15000))
-        qCWarning(lcHospital) << "the archive sender did not end in time";
+    // A send under way is not waited for: the window closes at once, the
+    // send ends with the program, and the queue on disk has it for the
+    // next start, which sends the same object again.
+    workerThread->quit();
+    if (workerThread->wait(2000)) {
+        delete workerThread;
+    } else {
+        qCInfo(lcHospital) << "a send to the archive is left to end with the program";
+        connect(workerThread, &QThread::finished, workerThread, &QObject::deleteLater);
+    }
 }
 
 ArchiveQueue::Item *ArchiveQueue::itemOf(const QString &file)

@@ -71,7 +71,7 @@ private:
     QString folder;
     QList<Item> items;
     QHash<QString, ObjectContext> pictures;
-    QThread workerThread;
+    QThread *workerThread = nullptr;
     QPointer<QObject> worker;
     QTimer retryTimer;
     bool busy = false;

@@ -1,10 +1,13 @@
 // The main window in a process of its own that starts recording as soon as
-// the camera is live, and says where: a test kills it mid-recording.
-// Usage: recordinghelper <file name>
+// the camera is live, and says where: a test kills it mid-recording. Given
+// a number of seconds, it stops the recording after them, takes a snapshot
+// and says "finished": a test kills it with what it has queued.
+// Usage: recordinghelper <file name> [seconds]
 #include <cstdio>
 
 #include <QApplication>
 #include <QLineEdit>
+#include <QMediaRecorder>
 #include <QTest>
 #include <QTimer>
 
@@ -33,6 +36,16 @@ int main(int argc, char *argv[])
         QTest::qWait(2000);
         window.captureVideo();
         std::printf("recording %s\n", qPrintable(window.recordingFile()));
+        std::fflush(stdout);
+        if (argc < 3)
+            return;
+        QTest::qWait(QByteArray(argv[2]).toInt() * 1000);
+        window.captureStillImage();
+        QTest::qWait(1500);
+        window.captureVideo();
+        QTest::qWaitFor([&] { return window.currentRecorder()->recorderState() == QMediaRecorder::StoppedState; }, 10000);
+        QTest::qWait(1000);
+        std::printf("finished\n");
         std::fflush(stdout);
     });
     poll.start(100);
