@@ -392,7 +392,8 @@ private:
     // A stop waits for the file's first picture and sound.
     QTimer stopWaitTimer;
     QDeadlineTimer stopWaitDeadline;
-    QMessageBox *recordingWarning = nullptr;
+    QPointer<QMessageBox> recordingWarning;
+    void showNotice(QPointer<QMessageBox> &box, const QString &title, const QString &name, const QString &text);
     // Snapshots asked for and not yet saved, each with the time it is given.
     QList<std::pair<QString, QDeadlineTimer>> pendingSnapshots;
     QTimer snapshotGuardTimer;

@@ -278,12 +278,5 @@ void MainWindow::showArchiveProgress(const QString &file, qint64 sent, qint64 to
 void MainWindow::showArchiveProblem(const QString &message)
 {
     archiveProgress->hide();
-    // One box, kept and brought back, never a stream of them.
-    if (!archiveNotice) {
-        archiveNotice = new QMessageBox(QMessageBox::Warning, tr("Archive"), QString(), QMessageBox::Ok, this);
-        archiveNotice->setObjectName(QStringLiteral("ArchiveNotice"));
-        archiveNotice->setWindowModality(Qt::NonModal);
-    }
-    archiveNotice->setText(message);
-    archiveNotice->show();
+    showNotice(archiveNotice, tr("Archive"), QStringLiteral("ArchiveNotice"), message);
 }

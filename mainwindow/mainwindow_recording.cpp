@@ -503,17 +503,23 @@ void MainWindow::checkRecording()
     }
 }
 
+void MainWindow::showNotice(QPointer<QMessageBox> &box, const QString &title, const QString &name, const QString &text)
+{
+    // Not modal: the live view and F4/F5 must stay within reach. One box
+    // per kind, brought back, never a stream of them.
+    if (!box) {
+        box = new QMessageBox(QMessageBox::Warning, title, QString(), QMessageBox::Ok, this);
+        box->setObjectName(name);
+        box->setWindowModality(Qt::NonModal);
+    }
+    box->setText(text);
+    box->show();
+    box->raise();
+}
+
 void MainWindow::showRecordingWarning(const QString &text)
 {
-    // Not modal: the live view and F4/F5 must stay within reach.
-    if (!recordingWarning) {
-        recordingWarning = new QMessageBox(QMessageBox::Warning, tr("Recording"), QString(), QMessageBox::Ok, this);
-        recordingWarning->setObjectName(QStringLiteral("RecordingWarning"));
-        recordingWarning->setWindowModality(Qt::NonModal);
-    }
-    recordingWarning->setText(text);
-    recordingWarning->show();
-    recordingWarning->raise();
+    showNotice(recordingWarning, tr("Recording"), QStringLiteral("RecordingWarning"), text);
 }
 
 void MainWindow::applySizeLimitEntry(int entry)
