@@ -1,6 +1,7 @@
 #include "archivequeue.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
@@ -96,8 +97,16 @@ public slots:
             }
         }
         const qint64 total = QFileInfo(objectFile).size();
-        const QString error = DicomNetwork::store(node, objectFile, [this, file, total](qint64 sent) {
-            emit progress(file, qMin(sent, total), total);
+        // The toolkit tells of every piece it sends; the window hears of it
+        // ten times a second, no more.
+        QElapsedTimer sinceTold;
+        sinceTold.start();
+        emit progress(file, 0, total);
+        const QString error = DicomNetwork::store(node, objectFile, [&](qint64 sent) {
+            if (sinceTold.elapsed() >= 100) {
+                sinceTold.restart();
+                emit progress(file, qMin(sent, total), total);
+            }
         });
         emit done(file, objectFile, error, false);
     }
@@ -114,6 +123,7 @@ ArchiveQueue::ArchiveQueue(const QString &folder, QObject *parent)
     qRegisterMetaType<DicomNode>();
     QDir().mkpath(folder + QStringLiteral("/outbox"));
     load();
+    saver.setMaxThreadCount(1);
     workerThread = new QThread;
     auto *sender = new ArchiveWorker;
     sender->moveToThread(workerThread);
@@ -133,6 +143,7 @@ ArchiveQueue::~ArchiveQueue()
     // A send under way is not waited for: the window closes at once, the
     // send ends with the program, and the queue on disk has it for the
     // next start, which sends the same object again.
+    saver.waitForDone();
     workerThread->quit();
     if (workerThread->wait(2000)) {
         delete workerThread;
@@ -343,12 +354,16 @@ void ArchiveQueue::save() const
     QJsonObject known;
     for (auto it = pictures.cbegin(); it != pictures.cend(); ++it)
         known.insert(it.key(), toJson(it.value()));
-    // Written whole or not at all: a crash mid-write keeps the last queue.
-    QSaveFile file(folder + QLatin1Char('/') + queueName);
-    if (!file.open(QIODevice::WriteOnly)
-        || file.write(QJsonDocument(QJsonObject { { "items", list }, { "pictures", known } }).toJson()) < 0
-        || !file.commit())
-        qCWarning(lcHospital) << "the archive queue cannot be saved:" << file.errorString();
+    // Written whole or not at all, so a crash mid-write keeps the last
+    // queue; and off the window's thread, in order: the flush to disk can
+    // wait behind a large write of the archive's or the recorder's.
+    const QByteArray text = QJsonDocument(QJsonObject { { "items", list }, { "pictures", known } }).toJson();
+    const QString path = folder + QLatin1Char('/') + queueName;
+    saver.start([text, path] {
+        QSaveFile file(path);
+        if (!file.open(QIODevice::WriteOnly) || file.write(text) < 0 || !file.commit())
+            qCWarning(lcHospital) << "the archive queue cannot be saved:" << file.errorString();
+    });
 }
 
 #include "archivequeue.moc"

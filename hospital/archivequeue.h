@@ -10,6 +10,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QThread>
+#include <QThreadPool>
 #include <QTimer>
 
 #include "hospital/dicomnode.h"
@@ -72,6 +73,7 @@ private:
     QList<Item> items;
     QHash<QString, ObjectContext> pictures;
     QThread *workerThread = nullptr;
+    mutable QThreadPool saver;
     QPointer<QObject> worker;
     QTimer retryTimer;
     bool busy = false;
