@@ -10,7 +10,10 @@
 #include <cstdio>
 #include <cstdlib>
 #if defined(__GLIBC__)
+#include <csignal>
+#include <execinfo.h>
 #include <malloc.h>
+#include <unistd.h>
 #endif
 
 #include <QApplication>
@@ -39,6 +42,24 @@ QStringList warnings;
 // recording's safety net: each one cost the start of a file's sound.
 int revivals = 0;
 QtMessageHandler previousHandler = nullptr;
+
+// A crash leaves its stack in the log: a run that crashes once in many
+// leaves no core where CI runs it. Only async-signal-safe calls here.
+void sayWhereItCrashed(int signal)
+{
+    static const char head[] = "\nsoak crashed; its stack:\n";
+    [[maybe_unused]] const auto written = ::write(STDERR_FILENO, head, sizeof head - 1);
+    void *frames[64];
+    backtrace_symbols_fd(frames, backtrace(frames, 64), STDERR_FILENO);
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+}
+
+void phase(const char *name)
+{
+    std::printf("phase: %s\n", name);
+    std::fflush(stdout);
+}
 
 // The designed connections that name signals Qt 6 does not have warn once
 // per camera, by design; everything else is a finding.
@@ -115,6 +136,11 @@ int main(int argc, char *argv[])
     QCoreApplication::setApplicationName(QStringLiteral("Orvix"));
     const double minutes = argc > 1 ? QByteArray(argv[1]).toDouble() : 30;
     previousHandler = qInstallMessageHandler(collect);
+    // backtrace() loads its unwinder on first use: not in the handler.
+    void *warmUp[1];
+    backtrace(warmUp, 1);
+    for (const int signal : { SIGSEGV, SIGBUS, SIGABRT, SIGFPE, SIGILL })
+        std::signal(signal, sayWhereItCrashed);
 
     QString error;
     const QString camera = VirtualDevices::fullHdCamera();
@@ -189,6 +215,7 @@ int main(int argc, char *argv[])
 
     while (clock.elapsed() < minutes * 60000)
         QTest::qWait(200);
+    phase("stopping the last recording");
     filters.stop();
     snapshot.stop();
     unplug.stop();
@@ -203,6 +230,7 @@ int main(int argc, char *argv[])
     QTest::qWait(1500);
     samples.append(sample());
 
+    phase("probing what was left on disk");
     // What was left on disk.
     int movies = 0, unplayable = 0, withoutInformation = 0, unreadable = 0;
     const QDir movieDir(root + QStringLiteral("/Movie"));
@@ -258,5 +286,6 @@ int main(int argc, char *argv[])
     else
         std::printf("memory not judged: a soak under six minutes has no first and last three minutes apart\n");
     std::printf("%s\n", passed ? "PASS" : "FAIL");
+    phase("tearing down");
     return passed ? 0 : 1;
 }
