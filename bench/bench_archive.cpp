@@ -23,8 +23,7 @@
 #include "hospital/dicomobjects.h"
 #include "mainwindow/mainwindow.h"
 #include "orthancserver.h"
-#include "tasks/orvixtaskscheduler.h"
-#include "virtualdevices.h"
+#include "benchapplication.h"
 
 namespace {
 double peakRssMb()
@@ -55,14 +54,8 @@ bool makeMovie(const QString &path, int megabytes)
 
 int main(int argc, char *argv[])
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    qputenv("QT_LOGGING_RULES", "orvix.*.debug=false;qt.*=false");
-    VirtualDevices devices;
-    QApplication app(argc, argv);
-    QCoreApplication::setOrganizationName(QStringLiteral("Kelvane"));
-    QCoreApplication::setApplicationName(QStringLiteral("Orvix"));
-    OrvixSchedulerShutdown schedulerShutdown;
+    BenchApplication bench(argc, argv);
+    VirtualDevices &devices = bench.devices;
     const int megabytes = argc > 1 ? std::max(10, std::atoi(argv[1])) : 1024;
 
     QString error;

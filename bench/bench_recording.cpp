@@ -24,8 +24,7 @@
 #include "capture/recordingelements.h"
 #include "mainwindow/mainwindow.h"
 #include "movieprobe.h"
-#include "tasks/orvixtaskscheduler.h"
-#include "virtualdevices.h"
+#include "benchapplication.h"
 
 namespace {
 const char *const cameraCaps = "video/x-raw,format=YUY2,width=1920,height=1080,framerate=30/1";
@@ -149,14 +148,8 @@ void print(const Run &run, const Run &reference)
 
 int main(int argc, char *argv[])
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    qputenv("QT_LOGGING_RULES", "orvix.*.debug=false;qt.*=false");
-    VirtualDevices devices;
-    QApplication app(argc, argv);
-    QCoreApplication::setOrganizationName(QStringLiteral("Kelvane"));
-    QCoreApplication::setApplicationName(QStringLiteral("Orvix"));
-    OrvixSchedulerShutdown schedulerShutdown;
+    BenchApplication bench(argc, argv);
+    VirtualDevices &devices = bench.devices;
     const int seconds = argc > 1 ? std::max(5, std::atoi(argv[1])) : 60;
 
     QString error;
