@@ -315,7 +315,9 @@ private slots:
         // The blocks do leave gaps to fill: the hard case was a hard one.
         QVERIFY(!blocks || RecordingElements::silenceBuffersFed() > fedBefore);
         QCOMPARE(RecordingElements::revivedSources(), revivedAtStart);
-        verifyPlayable(probe, blocks ? 1.0 : 0.3);
+        // A microphone that hands out 2 s at once can end up to a block
+        // before or after the last picture (seen: 0.44 s short, 1.14 s long).
+        verifyPlayable(probe, blocks ? 2.0 : 0.3);
         QVERIFY2(qAbs(probe.videoSeconds - seconds) <= 1.5, qPrintable(probe.describe()));
         QVERIFY2(probe.framesPerSecond() >= 29, qPrintable(probe.describe()));
     }
