@@ -155,11 +155,8 @@ ArchiveQueue::~ArchiveQueue()
 
 ArchiveQueue::Item *ArchiveQueue::itemOf(const QString &file)
 {
-    for (Item &item : items) {
-        if (item.file == file)
-            return &item;
-    }
-    return nullptr;
+    const auto found = indexOf.constFind(file);
+    return found == indexOf.cend() ? nullptr : &items[*found];
 }
 
 const ArchiveQueue::Item *ArchiveQueue::itemOf(const QString &file) const
@@ -183,6 +180,7 @@ void ArchiveQueue::add(const QString &file, const ObjectContext &context)
         item.context = context;
         item.objectFile = folder + QStringLiteral("/outbox/") + QUuid::createUuid().toString(QUuid::WithoutBraces)
                           + QStringLiteral(".dcm");
+        indexOf.insert(path, items.size());
         items.append(item);
     }
     save();
@@ -333,8 +331,10 @@ void ArchiveQueue::load()
                    : state == QLatin1String("failed") ? State::Failed
                                                       : State::Waiting;
         item.reason = json.value("reason").toString();
-        if (!item.file.isEmpty())
+        if (!item.file.isEmpty() && !indexOf.contains(item.file)) {
+            indexOf.insert(item.file, items.size());
             items.append(item);
+        }
     }
     const QJsonObject known = root.value("pictures").toObject();
     for (auto it = known.begin(); it != known.end(); ++it)

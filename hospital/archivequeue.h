@@ -70,7 +70,8 @@ private:
     const Item *itemOf(const QString &file) const;
 
     QString folder;
-    QList<Item> items;
+    QList<Item> items;          // in the order they were queued
+    QHash<QString, qsizetype> indexOf; // file -> place in items: asked on every paint
     QHash<QString, ObjectContext> pictures;
     QThread *workerThread = nullptr;
     mutable QThreadPool saver;

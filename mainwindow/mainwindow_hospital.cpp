@@ -194,8 +194,6 @@ ObjectContext MainWindow::movieContext(const QString &moviePath) const
         context.study.studyInstanceUid = DicomUid::make();
     if (context.study.seriesInstanceUid.isEmpty())
         context.study.seriesInstanceUid = DicomUid::make();
-    // The files of a split recording follow one another in their series.
-    context.instanceNumber = 1;
     return context;
 }
 
