@@ -12,6 +12,7 @@
 
 #include "app/orvixlogging.h"
 #include "hospital/dicomnetwork.h"
+#include "tasks/threadpriority.h"
 
 namespace {
 const QString queueName = QStringLiteral("queue.json");
@@ -132,7 +133,10 @@ ArchiveQueue::ArchiveQueue(const QString &folder, QObject *parent)
     connect(sender, &ArchiveWorker::done, this, &ArchiveQueue::finished);
     worker = sender;
     workerThread->setObjectName(QStringLiteral("archive sender"));
-    workerThread->start(QThread::LowestPriority);
+    // Gigabytes read and sent must never take a core from the window or
+    // the recording.
+    connect(workerThread, &QThread::started, sender, &lowerCurrentThread, Qt::DirectConnection);
+    workerThread->start();
     retryTimer.setSingleShot(true);
     connect(&retryTimer, &QTimer::timeout, this, &ArchiveQueue::dispatch);
     QTimer::singleShot(0, this, &ArchiveQueue::dispatch);

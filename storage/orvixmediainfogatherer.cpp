@@ -9,7 +9,7 @@
 #include <QMutexLocker>
 
 #include "storage/storagepaths.h"
-#include "storage/threadpriority.h"
+#include "tasks/threadpriority.h"
 
 namespace {
 // The first batch goes out early so that the first screenful shows at once;

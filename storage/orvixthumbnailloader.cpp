@@ -5,7 +5,7 @@
 #include <QMutexLocker>
 #include <QThread>
 
-#include "storage/threadpriority.h"
+#include "tasks/threadpriority.h"
 
 namespace {
 // Results waiting for the window are delivered in one go when it comes

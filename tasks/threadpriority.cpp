@@ -1,5 +1,5 @@
-// Background threads of the storage browser below the window, the live view
-// and the recorder.
+// Background threads (the storage browser's, the archive's sender) below
+// the window, the live view and the recorder.
 #include "threadpriority.h"
 
 #include <QThread>
