@@ -21,6 +21,7 @@ void CaseInformation::write(const QString &informationPath) const
     file.setValue(QStringLiteral("RequestedProcedureID"), worklist.requestedProcedureId);
     file.setValue(QStringLiteral("StudyInstanceUID"), studyInstanceUid);
     file.setValue(QStringLiteral("SeriesInstanceUID"), seriesInstanceUid);
+    file.setValue(QStringLiteral("InstanceNumber"), instanceNumber);
     file.endGroup();
 }
 
@@ -36,6 +37,7 @@ CaseInformation CaseInformation::read(const QString &informationPath)
     information.worklist.requestedProcedureId = file.value(QStringLiteral("RequestedProcedureID")).toString();
     information.studyInstanceUid = file.value(QStringLiteral("StudyInstanceUID")).toString();
     information.seriesInstanceUid = file.value(QStringLiteral("SeriesInstanceUID")).toString();
+    information.instanceNumber = qMax(1, file.value(QStringLiteral("InstanceNumber"), 1).toInt());
     if (!information.worklist.patientId.isEmpty())
         information.worklist.studyInstanceUid = information.studyInstanceUid;
     return information;

@@ -13,6 +13,7 @@ struct CaseInformation
     WorklistEntry worklist; // empty when the case was typed by hand
     QString studyInstanceUid;
     QString seriesInstanceUid;
+    int instanceNumber = 1; // the file's place in a split recording's series
 
     bool fromWorklist() const { return !worklist.studyInstanceUid.isEmpty(); }
 

@@ -450,6 +450,7 @@ private:
     QString typedCaseStudyUid;   // the study of a patient typed by hand
     QString typedCasePatient;
     QString recordingSeriesUid;  // one series per recording, over its files
+    int recordingFileNumber = 0; // the current file's number in that series
     void addWorklistButton(QHBoxLayout *headerLayout, QWidget *header);
     void wireWorklistButton();
     void updateWorklistButton();

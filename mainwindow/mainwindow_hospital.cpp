@@ -142,6 +142,7 @@ CaseInformation MainWindow::liveCase()
         information.studyInstanceUid = typedCaseStudyUid;
     }
     information.seriesInstanceUid = recordingSeriesUid;
+    information.instanceNumber = recordingFileNumber;
     return information;
 }
 
@@ -184,6 +185,7 @@ ObjectContext MainWindow::movieContext(const QString &moviePath) const
     const RecordingInformation typed = RecordingInformation::read(informationPath);
     ObjectContext context;
     context.study = CaseInformation::read(informationPath);
+    context.instanceNumber = context.study.instanceNumber;
     context.patientName = typed.patient;
     context.doctor = typed.doctor;
     context.hospital = typed.hospital;

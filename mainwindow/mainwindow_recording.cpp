@@ -125,6 +125,7 @@ void MainWindow::captureVideo()
     recordingWanted = true;
     ++recordingSeries;
     recordingSeriesUid = DicomUid::make();
+    recordingFileNumber = 0;
     beginMovieFile(path);
 
     const RecordingInformation information = liveRecordingInformation();
@@ -228,6 +229,7 @@ void MainWindow::beginMovieFile(const QString &path)
     RecordingElements::releaseKeptMuxers();
     recorder->setOutputLocation(QUrl::fromLocalFile(path));
     liveRecordingInformation().write(StoragePaths::recordingInformationPath(path));
+    ++recordingFileNumber;
     liveCase().write(StoragePaths::recordingInformationPath(path));
     lastMovieFile = path;
 }

@@ -11,6 +11,7 @@
 #include <QDir>
 #include <QProcess>
 #include <QScopeGuard>
+#include <QSet>
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QMediaDevices>
@@ -24,6 +25,7 @@
 
 #include "app/settingskeys.h"
 #include "capture/recordingelements.h"
+#include "hospital/caseinformation.h"
 #include "mainwindow/mainwindow.h"
 #include "messageboxwatcher.h"
 #include "movieprobe.h"
@@ -371,13 +373,23 @@ private slots:
         const QStringList files = movies(root);
         QVERIFY2(files.size() >= 3, qPrintable(files.join(QLatin1Char(' '))));
         double recorded = 0;
+        // For the archive, the files of one recording are one series, numbered in order.
+        QSet<QString> series;
+        int number = 0;
         for (const QString &file : files) {
             const QString movie = root + QStringLiteral("/Movie/") + file;
             QCOMPARE(RecordingInformation::read(movie.chopped(4) + QStringLiteral(".ini")).patient, QStringLiteral("P"));
+            const CaseInformation archived = CaseInformation::read(movie.chopped(4) + QStringLiteral(".ini"));
+            const bool quickOne = file == QFileInfo(quick).fileName();
+            QCOMPARE(archived.instanceNumber, quickOne ? 1 : ++number);
+            if (!quickOne)
+                series.insert(archived.seriesInstanceUid);
             const MovieProbe probe = MovieProbe::probe(movie);
             verifyPlayable(probe);
             recorded += probe.videoSeconds;
         }
+        QCOMPARE(series.size(), 1);
+        QVERIFY(!series.contains(CaseInformation::read(quick.chopped(4) + QStringLiteral(".ini")).seriesInstanceUid));
         qInfo("%lld files, %.2f s in all", qlonglong(files.size()), recorded);
         QVERIFY(recorded >= 5);
 
