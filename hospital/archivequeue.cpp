@@ -289,7 +289,6 @@ void ArchiveQueue::finished(const QString &file, const QString &objectFile, cons
         if (error.isEmpty()) {
             item->state = State::Sent;
             item->reason.clear();
-            QFile::remove(objectFile);
             unreachableSaid = false;
             qCInfo(lcHospital) << "sent to the archive:" << file;
         } else if (lasting) {
@@ -312,6 +311,11 @@ void ArchiveQueue::finished(const QString &file, const QString &objectFile, cons
             }
         }
         save();
+        // Removing a gigabyte takes the file system a while: off this thread,
+        // and only once the queue on disk says sent, or a crash between the
+        // two would send the object again under a new identity.
+        if (error.isEmpty())
+            saver.start([objectFile] { QFile::remove(objectFile); });
         emit stateChanged(file);
     }
     dispatch();
@@ -335,6 +339,9 @@ void ArchiveQueue::load()
                    : state == QLatin1String("failed") ? State::Failed
                                                       : State::Waiting;
         item.reason = json.value("reason").toString();
+        // The program ended between marking it sent and removing its object.
+        if (item.state == State::Sent && !item.objectFile.isEmpty())
+            QFile::remove(item.objectFile);
         if (!item.file.isEmpty() && !indexOf.contains(item.file)) {
             indexOf.insert(item.file, items.size());
             items.append(item);
