@@ -1,5 +1,7 @@
 #include "dicomnetwork.h"
 
+#include <QFileInfo>
+
 #include <dcmtk/config/osconfig.h>
 #include <dcmtk/dcmdata/dcdeftag.h>
 #include <dcmtk/dcmdata/dcfilefo.h>
@@ -254,6 +256,10 @@ QString store(const DicomNode &node, const QString &dicomFile, const std::functi
     file.getMetaInfo()->findAndGetOFString(DCM_TransferSyntaxUID, transferSyntax);
 
     Association association(node, timeoutSeconds);
+    // An archive answers a store once the object is on its disk: a large
+    // movie takes it longer than any connection should.
+    const int answerSeconds = timeoutSeconds + int(QFileInfo(dicomFile).size() / (10 * 1000 * 1000));
+    association.scu.setDIMSETimeout(Uint32(answerSeconds));
     association.scu.progress = progress;
     QString error;
     const T_ASC_PresentationContextID id = association.open(
@@ -264,7 +270,7 @@ QString store(const DicomNode &node, const QString &dicomFile, const std::functi
     Uint16 status = 0;
     condition = association.scu.sendSTORERequest(id, dicomFile.toLocal8Bit().constData(), nullptr, status);
     if (condition.bad())
-        return describe(node, condition, timeoutSeconds);
+        return describe(node, condition, answerSeconds);
     if (status != STATUS_Success && (status & 0xf000) != 0xb000)
         return QStringLiteral("%1 did not store the object (status 0x%2).").arg(node.display()).arg(status, 4, 16, QLatin1Char('0'));
     return QString();
