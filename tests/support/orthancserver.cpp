@@ -1,5 +1,7 @@
 #include "orthancserver.h"
 
+#include <sys/resource.h>
+
 #include <QDir>
 #include <QEventLoop>
 #include <QFile>
@@ -79,6 +81,8 @@ bool OrthancServer::start(QString *error)
     file.close();
     process.setProcessChannelMode(QProcess::MergedChannels);
     process.setStandardOutputFile(folder.filePath(QStringLiteral("orthanc.log")), QIODevice::Append);
+    const int nice = niceness;
+    process.setChildProcessModifier([nice] { setpriority(PRIO_PROCESS, 0, nice); });
     process.start(orthancProgram, { configurationFile });
     if (!process.waitForStarted(5000)) {
         *error = QStringLiteral("Orthanc did not start: %1").arg(process.errorString());

@@ -26,6 +26,10 @@ public:
     void stop();
     bool isRunning() const { return process.state() == QProcess::Running; }
 
+    // Raised before start(): an archive that stands in for a machine of its
+    // own leaves this one's cores to the program under test.
+    int niceness = 0;
+
     static QString aeTitle() { return QStringLiteral("ARCHIVE"); }
     int dicomPort() const { return dicomPortNumber; }
     // The node as this station calls it.
