@@ -143,13 +143,19 @@ int main(int argc, char *argv[])
     // program writes its object just before sending it.
     QTemporaryDir scratch;
     const QString object = scratch.filePath(QStringLiteral("reference.dcm"));
-    ::sync();
-    error = DicomObjects::write(movie, context, object);
-    if (!error.isEmpty()) {
-        std::fprintf(stderr, "%s\n", qPrintable(error));
-        return 1;
-    }
-    const double referenceBefore = storescuSeconds(object, archive.dicomPort());
+    // Each under a series of its own: the archive keeps all three.
+    const auto sendReference = [&] {
+        context.study.seriesInstanceUid = DicomUid::make();
+        QFile::remove(object);
+        ::sync();
+        const QString failure = DicomObjects::write(movie, context, object);
+        if (!failure.isEmpty()) {
+            std::fprintf(stderr, "%s\n", qPrintable(failure));
+            return -1.0;
+        }
+        return storescuSeconds(object, archive.dicomPort());
+    };
+    const double referenceBefore = sendReference();
     context.study.seriesInstanceUid = DicomUid::make();
     ::sync();
     window.liveView().statistics().takePeriod();
@@ -173,16 +179,7 @@ int main(int argc, char *argv[])
     const FrameStatistics::Period shown = window.liveView().statistics().takePeriod();
 
     const double buildSeconds = builtMsec / 1000.0;
-    // A second object under a new identity: the archive keeps both.
-    context.study.seriesInstanceUid = DicomUid::make();
-    QFile::remove(object);
-    ::sync();
-    error = DicomObjects::write(movie, context, object);
-    if (!error.isEmpty()) {
-        std::fprintf(stderr, "%s\n", qPrintable(error));
-        return 1;
-    }
-    const double referenceSeconds = storescuSeconds(object, archive.dicomPort());
+    const double referenceSeconds = sendReference();
     if (referenceSeconds < 0 || referenceBefore < 0) {
         std::fprintf(stderr, "storescu failed\n");
         return 1;
