@@ -11,7 +11,8 @@
  * (n counts equal descriptions), so that two identical cameras stay apart.
  * The file is read again every 200 ms while the provider runs: lines that
  * appear plug a camera in, lines that go pull it out. Each camera delivers a
- * live, moving test picture.
+ * live, moving test picture; the pattern "clock" gives one that carries the
+ * time each frame was made, for the latency bench.
  */
 #define PACKAGE "orvix-test-support"
 #include <gst/gst.h>
@@ -35,6 +36,78 @@ typedef struct {
 GType orvix_virtual_device_get_type(void);
 G_DEFINE_TYPE(OrvixVirtualDevice, orvix_virtual_device, GST_TYPE_DEVICE)
 
+/* The "clock" pattern: each frame carries the monotonic time, in
+ * microseconds modulo 2^32, at which it left the camera, as 64 blocks of
+ * black and white that survive scaling: the 32 bits in the upper two rows,
+ * their complements below, so that a picture half drawn over the last one
+ * does not read as a time. See orvix_clock_read() in the latency bench. */
+#define CLOCK_BLOCK 64
+#define CLOCK_COLUMNS 16
+
+/* Where a frame's luma lies, for the formats the cameras offer. */
+typedef struct {
+    int width, height, stride, step, offset;
+} Luma;
+
+static gboolean luma_of(GstPad *pad, Luma *luma)
+{
+    GstCaps *caps = gst_pad_get_current_caps(pad);
+    if (!caps)
+        return FALSE;
+    const GstStructure *structure = gst_caps_get_structure(caps, 0);
+    const gchar *format = gst_structure_get_string(structure, "format");
+    gboolean known = format && gst_structure_get_int(structure, "width", &luma->width)
+            && gst_structure_get_int(structure, "height", &luma->height);
+    if (known && (!strcmp(format, "YUY2") || !strcmp(format, "UYVY"))) {
+        luma->stride = GST_ROUND_UP_4(luma->width * 2);
+        luma->step = 2;
+        luma->offset = !strcmp(format, "UYVY");
+    } else if (known && (!strcmp(format, "I420") || !strcmp(format, "NV12") || !strcmp(format, "YV12"))) {
+        luma->stride = GST_ROUND_UP_4(luma->width);
+        luma->step = 1;
+        luma->offset = 0;
+    } else {
+        known = FALSE;
+    }
+    gst_caps_unref(caps);
+    return known;
+}
+
+static void stamp_block(guint8 *data, const Luma *luma, int column, int row, gboolean white)
+{
+    const int x0 = CLOCK_BLOCK * (1 + column), y0 = CLOCK_BLOCK * (1 + row);
+    if (x0 + CLOCK_BLOCK > luma->width || y0 + CLOCK_BLOCK > luma->height)
+        return;
+    for (int y = y0; y < y0 + CLOCK_BLOCK; ++y) {
+        guint8 *pixel = data + (gsize)y * luma->stride + (gsize)x0 * luma->step + luma->offset;
+        for (int x = 0; x < CLOCK_BLOCK; ++x, pixel += luma->step)
+            *pixel = white ? 235 : 16;
+    }
+}
+
+static GstPadProbeReturn stamp_time(GstPad *pad, GstPadProbeInfo *info, gpointer data)
+{
+    (void)data;
+    Luma luma;
+    if (!luma_of(pad, &luma))
+        return GST_PAD_PROBE_OK;
+    GstBuffer *buffer = gst_buffer_make_writable(GST_PAD_PROBE_INFO_BUFFER(info));
+    GST_PAD_PROBE_INFO_DATA(info) = buffer;
+    GstMapInfo map;
+    if (!gst_buffer_map(buffer, &map, GST_MAP_WRITE))
+        return GST_PAD_PROBE_OK;
+    if (map.size >= (gsize)luma.stride * luma.height) {
+        const guint32 now = (guint32)g_get_monotonic_time();
+        for (int bit = 0; bit < 32; ++bit) {
+            const gboolean set = (now >> bit) & 1;
+            stamp_block(map.data, &luma, bit % CLOCK_COLUMNS, bit / CLOCK_COLUMNS, set);
+            stamp_block(map.data, &luma, bit % CLOCK_COLUMNS, 2 + bit / CLOCK_COLUMNS, !set);
+        }
+    }
+    gst_buffer_unmap(buffer, &map);
+    return GST_PAD_PROBE_OK;
+}
+
 static GstElement *orvix_virtual_device_create_element(GstDevice *device, const gchar *name)
 {
     OrvixVirtualDevice *self = (OrvixVirtualDevice *)device;
@@ -42,6 +115,13 @@ static GstElement *orvix_virtual_device_create_element(GstDevice *device, const 
     if (!source)
         return NULL;
     g_object_set(source, "is-live", TRUE, NULL);
+    if (!strcmp(self->pattern, "clock")) {
+        gst_util_set_object_arg(G_OBJECT(source), "pattern", "black");
+        GstPad *pad = gst_element_get_static_pad(source, "src");
+        gst_pad_add_probe(pad, GST_PAD_PROBE_TYPE_BUFFER, stamp_time, NULL, NULL);
+        gst_object_unref(pad);
+        return source;
+    }
     gst_util_set_object_arg(G_OBJECT(source), "pattern", self->pattern);
     /* A moving picture, so that a frozen view can be told from a live one. */
     g_object_set(source, "horizontal-speed", 3, NULL);
