@@ -163,6 +163,8 @@ struct Figures
 {
     double median = 0, p95 = 0, p99 = 0, worst = 0, shownPerSecond = 0;
     qint64 neverShown = 0;
+    // What the program's own perf log says: the frames' mean age when shown.
+    double ownMeanAgeMs = -1;
 };
 
 Figures figuresOf(const QList<Sighting> &sightings, double seconds)
@@ -189,14 +191,19 @@ Figures figuresOf(const QList<Sighting> &sightings, double seconds)
     return figures;
 }
 
-Figures measure(const QRect &picture, int seconds)
+Figures measure(const QRect &picture, int seconds, MainWindow *window = nullptr)
 {
     Grabber grabber(picture);
     if (!grabber.isReady())
         return {};
+    if (window)
+        window->liveView().statistics().takePeriod();
     grabber.start();
     QTest::qWait(seconds * 1000);
-    return figuresOf(grabber.stop(), seconds);
+    Figures figures = figuresOf(grabber.stop(), seconds);
+    if (window)
+        figures.ownMeanAgeMs = window->liveView().statistics().takePeriod().meanAgeMs;
+    return figures;
 }
 
 // The same camera in a plain pipeline, scaled to the live view's size, in
@@ -257,9 +264,10 @@ void setFilters(MainWindow &window, const PictureAdjustments &values)
 
 void print(const char *what, const Figures &figures, const Figures &floor)
 {
-    std::printf("| %s | %.1f | %.1f | %.1f | %.1f | %.1f | %lld | %.2fx |\n", what, figures.median, figures.p95,
+    const QByteArray own = figures.ownMeanAgeMs >= 0 ? QByteArray::number(figures.ownMeanAgeMs, 'f', 1) : "-";
+    std::printf("| %s | %.1f | %.1f | %.1f | %.1f | %.1f | %lld | %.2fx | %s |\n", what, figures.median, figures.p95,
                 figures.p99, figures.worst, figures.shownPerSecond, figures.neverShown,
-                floor.median > 0 ? figures.median / floor.median : 0.0);
+                floor.median > 0 ? figures.median / floor.median : 0.0, own.constData());
     std::fflush(stdout);
 }
 } // namespace
@@ -312,16 +320,16 @@ int main(int argc, char *argv[])
         std::printf("live view picture %dx%d at %d,%d; %d s a case\n", picture.width(), picture.height(), picture.x(),
                     picture.y(), seconds);
 
-        idle = measure(picture, seconds);
+        idle = measure(picture, seconds, &window);
         setFilters(window, allNine());
         window.captureVideo();
         QTest::qWait(2000);
-        filtered = measure(picture, seconds);
+        filtered = measure(picture, seconds, &window);
         setFilters(window, PictureAdjustments());
         QProcess spinner;
         spinner.start(QStringLiteral("sh"), { QStringLiteral("-c"), QStringLiteral("while :; do :; done") });
         spinner.waitForStarted();
-        busy = measure(picture, seconds);
+        busy = measure(picture, seconds, &window);
         spinner.kill();
         spinner.waitForFinished();
         window.captureVideo();
@@ -329,8 +337,8 @@ int main(int argc, char *argv[])
     }
     const Figures floor = measureFloor(cameraName, pictureSize, seconds);
 
-    std::printf("\n| case | median ms | p95 ms | p99 ms | worst ms | shown/s | never shown | median against floor |\n"
-                "|---|---|---|---|---|---|---|---|\n");
+    std::printf("\n| case | median ms | p95 ms | p99 ms | worst ms | shown/s | never shown | median against floor "
+                "| perf log's mean frame age ms |\n|---|---|---|---|---|---|---|---|---|\n");
     print("floor: GStreamer, ximagesink sync=false", floor, floor);
     print("program idle", idle, floor);
     print("recording, nine filters", filtered, floor);

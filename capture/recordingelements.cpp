@@ -3,6 +3,7 @@
 
 #include "app/orvixlogging.h"
 #include "capture/silencefeeder.h"
+#include "imaging/liveframepipeline.h"
 
 #ifdef ORVIX_HAVE_GSTREAMER
 
@@ -123,6 +124,28 @@ bool madeBy(GstPad *pad, const char *factoryName)
 // 50 ms in all, for a picture that is ready in under 10. A movie played
 // from storage keeps its pace: only a pipeline whose source is live is
 // changed, which the first frame's latency query tells.
+// The live view's perf log tells how old frames are when shown: their time
+// stamps count from the pipeline's base time, which a pause moves. Only the
+// system's monotonic clock is the one the view can read.
+GstPadProbeReturn noteClockBase(GstPad *pad, GstPadProbeInfo *, gpointer)
+{
+    GstElement *sink = gst_pad_get_parent_element(pad);
+    if (!sink)
+        return GST_PAD_PROBE_OK;
+    qint64 base = -1;
+    if (GstClock *clock = gst_element_get_clock(sink)) {
+        GstClockType type = GST_CLOCK_TYPE_REALTIME;
+        if (GST_IS_SYSTEM_CLOCK(clock))
+            g_object_get(clock, "clock-type", &type, nullptr);
+        if (type == GST_CLOCK_TYPE_MONOTONIC)
+            base = qint64(gst_element_get_base_time(sink));
+        gst_object_unref(clock);
+    }
+    LiveFramePipeline::setClockBase(base);
+    gst_object_unref(sink);
+    return GST_PAD_PROBE_OK;
+}
+
 GstPadProbeReturn showOnArrivalIfLive(GstPad *pad, GstPadProbeInfo *, gpointer)
 {
     GstQuery *query = gst_query_new_latency();
@@ -137,6 +160,7 @@ GstPadProbeReturn showOnArrivalIfLive(GstPad *pad, GstPadProbeInfo *, gpointer)
             qCDebug(lcRecording) << "live pictures shown on arrival at" << GST_OBJECT_NAME(sink);
             gst_object_unref(sink);
         }
+        gst_pad_add_probe(pad, GST_PAD_PROBE_TYPE_BUFFER, noteClockBase, nullptr, nullptr);
     }
     return GST_PAD_PROBE_REMOVE;
 }

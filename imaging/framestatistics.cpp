@@ -17,10 +17,15 @@ void FrameStatistics::frameRendered(qint64 renderNsec)
     worstNsec = std::max(worstNsec, renderNsec);
 }
 
-void FrameStatistics::frameShown()
+void FrameStatistics::frameShown(qint64 ageNsec)
 {
     QMutexLocker locker(&lock);
     ++shown;
+    if (ageNsec < 0)
+        return;
+    ++aged;
+    totalAgeNsec += ageNsec;
+    worstAgeNsec = std::max(worstAgeNsec, ageNsec);
 }
 
 FrameStatistics::Period FrameStatistics::takePeriod()
@@ -32,7 +37,11 @@ FrameStatistics::Period FrameStatistics::takePeriod()
     period.skipped = std::max(0, received - shown);
     period.meanRenderMs = rendered ? totalNsec / 1e6 / rendered : 0;
     period.worstRenderMs = worstNsec / 1e6;
-    received = rendered = shown = 0;
-    totalNsec = worstNsec = 0;
+    if (aged) {
+        period.meanAgeMs = totalAgeNsec / 1e6 / aged;
+        period.worstAgeMs = worstAgeNsec / 1e6;
+    }
+    received = rendered = shown = aged = 0;
+    totalNsec = worstNsec = totalAgeNsec = worstAgeNsec = 0;
     return period;
 }

@@ -16,6 +16,10 @@ public:
         int skipped = 0;
         double meanRenderMs = 0;
         double worstRenderMs = 0;
+        // How old the shown frames were when their pictures went to the
+        // screen, from their time stamps; negative where no frame had one.
+        double meanAgeMs = -1;
+        double worstAgeMs = -1;
     };
 
     // Each from its own thread: the video thread for every frame the camera
@@ -23,7 +27,7 @@ public:
     // every picture it shows.
     void frameReceived();
     void frameRendered(qint64 renderNsec);
-    void frameShown();
+    void frameShown(qint64 ageNsec = -1);
     // The figures since the last call.
     Period takePeriod();
 
@@ -34,4 +38,7 @@ private:
     int shown = 0;
     qint64 totalNsec = 0;
     qint64 worstNsec = 0;
+    int aged = 0;
+    qint64 totalAgeNsec = 0;
+    qint64 worstAgeNsec = 0;
 };

@@ -1,10 +1,28 @@
 // The live view's frame path, off the user-interface thread.
 #include "liveframepipeline.h"
 
+#include <atomic>
+#include <ctime>
 #include <utility>
 
 #include <QElapsedTimer>
 #include <QVideoSink>
+
+namespace {
+std::atomic<qint64> clockBaseNsec { -1 };
+
+qint64 monotonicNsec()
+{
+    timespec now {};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return qint64(now.tv_sec) * 1000000000 + now.tv_nsec;
+}
+} // namespace
+
+void LiveFramePipeline::setClockBase(qint64 nsec)
+{
+    clockBaseNsec = nsec;
+}
 
 LiveFramePipeline::LiveFramePipeline(QObject *parent)
     : QObject(parent)
@@ -101,7 +119,7 @@ void LiveFramePipeline::renderNewest()
         // A camera that went away meanwhile leaves no picture behind.
         if (image.isNull() || startedIn != generation)
             return;
-        newestPicture = { std::move(image), frame.size(), nextSerial++ };
+        newestPicture = { std::move(image), frame.size(), nextSerial++, frame.startTime() };
         pictureTaken = false;
     }
     emit pictureReady(frame);
@@ -112,7 +130,10 @@ LiveFramePipeline::Picture LiveFramePipeline::takePicture()
     QMutexLocker locker(&lock);
     if (!pictureTaken) {
         pictureTaken = true;
-        frameStatistics.frameShown();
+        const qint64 base = clockBaseNsec;
+        frameStatistics.frameShown(base >= 0 && newestPicture.startTime >= 0
+                                           ? monotonicNsec() - base - newestPicture.startTime * 1000
+                                           : -1);
         if (newestFrame.isValid() && !renderPending) {
             renderPending = true;
             QMetaObject::invokeMethod(renderContext, [this] { renderNewest(); }, Qt::QueuedConnection);

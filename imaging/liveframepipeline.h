@@ -29,7 +29,14 @@ public:
         // The camera frame's own size, before orientation.
         QSize frameSize;
         quint64 serial = 0;
+        // The frame's time stamp, in µs of the pipeline's running time; -1 without one.
+        qint64 startTime = -1;
     };
+
+    // The live pipeline's base time on the monotonic clock, in ns: with a
+    // frame's time stamp, when the camera made it. Set from the video
+    // sink's thread; -1 where the pipeline keeps another clock.
+    static void setClockBase(qint64 nsec);
 
     explicit LiveFramePipeline(QObject *parent = nullptr);
     ~LiveFramePipeline() override;

@@ -404,9 +404,10 @@ void MainWindow::renderFrame(QPainter &painter)
 void MainWindow::logFrameStatistics()
 {
     const FrameStatistics::Period period = livePipeline->statistics().takePeriod();
-    qCInfo(lcPerf, "live view, last %d s: %d frames received, %d shown, %d skipped; render mean %.1f ms, worst %.1f ms",
+    qCInfo(lcPerf, "live view, last %d s: %d frames received, %d shown, %d skipped; render mean %.1f ms, worst %.1f ms; "
+                   "frame age when shown mean %.1f ms, worst %.1f ms",
            int(perfLogTimer.interval() / 1000), period.received, period.shown, period.skipped, period.meanRenderMs,
-           period.worstRenderMs);
+           period.worstRenderMs, period.meanAgeMs, period.worstAgeMs);
 }
 
 void MainWindow::updateAudioOutVolum(float volume)
