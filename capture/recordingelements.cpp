@@ -116,14 +116,6 @@ bool madeBy(GstPad *pad, const char *factoryName)
     return made;
 }
 
-// A recording's sound branch just linked to its encoder: silence fills in
-// where the microphone falls behind.
-// A live picture is shown the moment it arrives. Qt's video sink otherwise
-// holds each frame until the pipeline's latency has passed on the clock:
-// the camera's frame period and the sink's 20 ms processing deadline, some
-// 50 ms in all, for a picture that is ready in under 10. A movie played
-// from storage keeps its pace: only a pipeline whose source is live is
-// changed, which the first frame's latency query tells.
 // The live view's perf log tells how old frames are when shown: their time
 // stamps count from the pipeline's base time, which a pause moves. Only the
 // system's monotonic clock is the one the view can read.
@@ -146,6 +138,12 @@ GstPadProbeReturn noteClockBase(GstPad *pad, GstPadProbeInfo *, gpointer)
     return GST_PAD_PROBE_OK;
 }
 
+// A live picture is shown the moment it arrives. Qt's video sink otherwise
+// holds each frame until the pipeline's latency has passed on the clock:
+// the camera's frame period and the sink's 20 ms processing deadline, some
+// 50 ms in all, for a picture that is ready in under 10. A movie played
+// from storage keeps its pace: only a pipeline whose source is live is
+// changed, which the first frame's latency query tells.
 GstPadProbeReturn showOnArrivalIfLive(GstPad *pad, GstPadProbeInfo *, gpointer)
 {
     GstQuery *query = gst_query_new_latency();
@@ -175,6 +173,8 @@ void watchLiveViewSink(GstPad *pad)
     gst_object_unref(element);
 }
 
+// A recording's sound branch just linked to its encoder: silence fills in
+// where the microphone falls behind. A live view's sink is watched too.
 void padLinked(GObject *, GstClockTime, GstPad *source, GstPad *sink, GstPadLinkReturn result)
 {
     if (result == GST_PAD_LINK_OK)
