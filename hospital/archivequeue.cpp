@@ -123,8 +123,8 @@ ArchiveQueue::ArchiveQueue(const QString &folder, QObject *parent)
     qRegisterMetaType<ObjectContext>();
     qRegisterMetaType<DicomNode>();
     QDir().mkpath(folder + QStringLiteral("/outbox"));
-    load();
     saver.setMaxThreadCount(1);
+    load();
     workerThread = new QThread;
     auto *sender = new ArchiveWorker;
     sender->moveToThread(workerThread);
@@ -339,9 +339,10 @@ void ArchiveQueue::load()
                    : state == QLatin1String("failed") ? State::Failed
                                                       : State::Waiting;
         item.reason = json.value("reason").toString();
-        // The program ended between marking it sent and removing its object.
+        // The program ended between marking it sent and removing its object:
+        // removed on the writer, as after a send.
         if (item.state == State::Sent && !item.objectFile.isEmpty())
-            QFile::remove(item.objectFile);
+            saver.start([object = item.objectFile] { QFile::remove(object); });
         if (!item.file.isEmpty() && !indexOf.contains(item.file)) {
             indexOf.insert(item.file, items.size());
             items.append(item);
