@@ -69,7 +69,7 @@ Run plainPipeline(const QString &path, int seconds)
     }
     const double cpuBefore = cpuSeconds();
     gst_element_set_state(pipeline, GST_STATE_PLAYING);
-    QTest::qWait(seconds * 1000);
+    runEventLoop(seconds * 1000);
     gst_element_send_event(pipeline, gst_event_new_eos());
     GstBus *bus = gst_element_get_bus(pipeline);
     GstMessage *message = gst_bus_timed_pop_filtered(bus, 10 * GST_SECOND, GstMessageType(GST_MESSAGE_EOS | GST_MESSAGE_ERROR));
@@ -105,13 +105,13 @@ Run program(const QString &root, int seconds, bool record, bool filters = false)
         window.setExposure(-7);
     }
     // Past the camera's start.
-    QTest::qWait(2000);
+    runEventLoop(2000);
     window.liveView().statistics().takePeriod();
     const double cpuBefore = cpuSeconds();
     if (record)
         window.captureVideo();
     const QString path = window.recordingFile();
-    QTest::qWait(seconds * 1000);
+    runEventLoop(seconds * 1000);
     const FrameStatistics::Period shown = window.liveView().statistics().takePeriod();
     Run run { filters ? "Orvix, 9 filters, recording" : record ? "Orvix, live view on" : "Orvix, live view only" };
     run.shownPerSecond = shown.shown / double(seconds);
