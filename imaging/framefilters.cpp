@@ -32,23 +32,27 @@ QImage orient(const QImage &image, int mode)
     return oriented;
 }
 
-void orientInPlace(QImage &image, int mode)
+Mirrors mirrorsOf(int mode)
 {
     // A half turn is both mirrors, pixel for pixel; the half turn and then
     // the flip top to bottom leave the mirror left to right.
     switch (mode) {
     case 1:
-        image.mirror(true, true);
-        break;
+        return { true, true };
     case 2:
-        image.mirror(false, true);
-        break;
+        return { false, true };
     case 3:
-        image.mirror(true, false);
-        break;
+        return { true, false };
     default:
-        break;
+        return {};
     }
+}
+
+void orientInPlace(QImage &image, int mode)
+{
+    const Mirrors mirrors = mirrorsOf(mode);
+    if (mirrors.horizontal || mirrors.vertical)
+        image.mirror(mirrors.horizontal, mirrors.vertical);
 }
 
 Table brightnessTable(int value)

@@ -29,6 +29,13 @@ namespace FrameFilters {
 
 // 0 none, 1 rotated 180 degrees, 2 flipped top to bottom, 3 both.
 QImage orient(const QImage &image, int mode);
+// The mirrors that make up an orientation.
+struct Mirrors
+{
+    bool horizontal = false;
+    bool vertical = false;
+};
+Mirrors mirrorsOf(int mode);
 void orientInPlace(QImage &image, int mode);
 
 // Lookup tables of the three table filters.

@@ -22,6 +22,18 @@ QImage FrameRenderer::render(const QVideoFrame &source, const Settings &settings
     QVideoFrame frame = source;
     if (!frame.map(QVideoFrame::ReadOnly))
         return QImage();
+    // A picture smaller than the frame is sampled first, mirrored on the
+    // way: the filters work pixel by pixel, so on the view's pixels alone
+    // they give the same picture for a fraction of the work.
+    const QSize target = settings.targetSize;
+    if (!target.isEmpty() && target.width() <= frame.width() && target.height() <= frame.height()) {
+        QImage &picture = freeOf(scaled);
+        if (FrameConversion::toScaledImage(frame, target, FrameFilters::mirrorsOf(settings.rotationMode), picture)) {
+            frame.unmap();
+            FrameFilters::adjust(picture, settings.adjustments);
+            return picture;
+        }
+    }
     // Worked on in place: a second holder would make every step copy.
     QImage &image = freeOf(converted);
     FrameConversion::toImage(frame, image);

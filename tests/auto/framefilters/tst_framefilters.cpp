@@ -198,6 +198,18 @@ private slots:
             QSKIP("built without libyuv: Qt converts every format");
         const QImage ours = FrameConversion::toImage(frame).convertToFormat(QImage::Format_ARGB32);
         const QImage qts = frame.toImage().convertToFormat(QImage::Format_ARGB32);
+        // The live view samples the frame while converting it: in every
+        // orientation, the very pixels the view's own unsmoothed scaling of
+        // the whole oriented picture picks.
+        for (int mode = 0; mode < 4; ++mode) {
+            for (const QSize size : { QSize(40, 26), QSize(33, 17), QSize(96, 64) }) {
+                QImage sampled, scaled;
+                QVERIFY(FrameConversion::toScaledImage(frame, size, FrameFilters::mirrorsOf(mode), sampled));
+                FrameFilters::scaledForView(FrameFilters::orient(FrameConversion::toImage(frame), mode), size, scaled);
+                QVERIFY2(sampled == scaled, qPrintable(QStringLiteral("orientation %1, %2x%3: %4").arg(mode)
+                        .arg(size.width()).arg(size.height()).arg(firstDifference(sampled, scaled, sampled))));
+            }
+        }
         frame.unmap();
         QCOMPARE(ours.size(), qts.size());
         int worst = 0;
