@@ -4,21 +4,10 @@
 #pragma once
 
 #include <QApplication>
-#include <QEventLoop>
-#include <QTimer>
 
+#include "eventloop.h"
 #include "tasks/orvixtaskscheduler.h"
 #include "virtualdevices.h"
-
-// The program's own event loop for a while. QTest::qWait sleeps 10 ms
-// between its rounds of events, which would hold every queued picture back
-// and count as the window's thread stalling.
-inline void runEventLoop(int msec)
-{
-    QEventLoop loop;
-    QTimer::singleShot(msec, Qt::PreciseTimer, &loop, &QEventLoop::quit);
-    loop.exec();
-}
 
 struct BenchApplication
 {

@@ -4,7 +4,9 @@
 // the camera is pulled and plugged back every 2 minutes and a snapshot is
 // taken every 30 s. At the end: memory, file descriptors and threads
 // steady, every movie plays and has its information file, every snapshot
-// opens, and the log holds no warning beyond the designed ones.
+// opens, and the log holds no warning beyond the designed ones. It also
+// prints how old the live frames were when shown, first minutes against
+// last: a view that falls behind over hours shows there.
 // Usage: orvix_soak [minutes, default 30]. The test run has a 3-minute one.
 #include <algorithm>
 #include <cstdio>
@@ -22,14 +24,17 @@
 #include <QFile>
 #include <QImage>
 #include <QLineEdit>
+#include <QLoggingCategory>
 #include <QMediaDevices>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QSettings>
 #include <QTest>
 #include <QTimer>
 
 #include "app/memorytuning.h"
 #include "app/settingskeys.h"
+#include "eventloop.h"
 #include "mainwindow/mainwindow.h"
 #include "movieprobe.h"
 #include "storage/storagepaths.h"
@@ -42,6 +47,31 @@ QStringList warnings;
 // recording's safety net: each one cost the start of a file's sound.
 int revivals = 0;
 QtMessageHandler previousHandler = nullptr;
+QElapsedTimer soakClock;
+
+// The live view's 10-s reports from the program's own perf log.
+struct ViewPeriod
+{
+    qint64 endMs = 0;
+    int shown = 0;
+    double meanAgeMs = 0;
+    double worstAgeMs = 0;
+};
+QList<ViewPeriod> viewPeriods;
+
+bool takeViewPeriod(const QString &text)
+{
+    static const QRegularExpression report(QStringLiteral(
+            R"(last (\d+) s: \d+ frames received, (\d+) shown.*frame age when shown mean ([-\d.]+) ms, worst ([-\d.]+) ms)"));
+    const QRegularExpressionMatch match = report.match(text);
+    if (!match.hasMatch())
+        return false;
+    // A period with the camera pulled has no age.
+    if (match.captured(2).toInt() > 0 && match.captured(3).toDouble() >= 0)
+        viewPeriods.append({ soakClock.elapsed(), match.captured(2).toInt(), match.captured(3).toDouble(),
+                             match.captured(4).toDouble() });
+    return true;
+}
 
 // A crash leaves its stack in the log: a run that crashes once in many
 // leaves no core where CI runs it. Only async-signal-safe calls here.
@@ -65,6 +95,8 @@ void phase(const char *name)
 // per camera, by design; everything else is a finding.
 void collect(QtMsgType type, const QMessageLogContext &context, const QString &text)
 {
+    if (qstrcmp(context.category, "orvix.perf") == 0 && takeViewPeriod(text))
+        return;
     if (text.contains(QLatin1String("going again")))
         ++revivals;
     else if (type != QtDebugMsg && type != QtInfoMsg && !text.contains(QLatin1String("No such signal"))
@@ -104,6 +136,22 @@ Sample sample()
              QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::System).size() };
 }
 
+void printViewAge(const char *name, qint64 fromMs, qint64 toMs)
+{
+    int shown = 0;
+    double ageSum = 0, worst = 0;
+    for (const ViewPeriod &period : std::as_const(viewPeriods)) {
+        if (period.endMs > fromMs && period.endMs <= toMs) {
+            shown += period.shown;
+            ageSum += period.meanAgeMs * period.shown;
+            worst = qMax(worst, period.worstAgeMs);
+        }
+    }
+    if (shown > 0)
+        std::printf("live view, %s: %d frames shown, age when shown mean %.1f ms, worst %.1f ms\n", name, shown,
+                    ageSum / shown, worst);
+}
+
 // Between two files of a split the recorder stands still, but the
 // recording goes on: the button says which.
 bool recording(MainWindow &window)
@@ -136,6 +184,7 @@ int main(int argc, char *argv[])
     QCoreApplication::setApplicationName(QStringLiteral("Orvix"));
     const double minutes = argc > 1 ? QByteArray(argv[1]).toDouble() : 30;
     previousHandler = qInstallMessageHandler(collect);
+    QLoggingCategory::setFilterRules(QStringLiteral("orvix.perf.info=true"));
     // backtrace() loads its unwinder on first use: not in the handler.
     void *warmUp[1];
     backtrace(warmUp, 1);
@@ -166,7 +215,7 @@ int main(int argc, char *argv[])
     QTest::qWait(2000);
     window.captureVideo();
 
-    QElapsedTimer clock;
+    QElapsedTimer &clock = soakClock;
     clock.start();
     bool filtersOn = false;
     int snapshots = 0, unplugs = 0, restarts = 0;
@@ -213,8 +262,9 @@ int main(int argc, char *argv[])
     });
     probe.start(60000);
 
-    while (clock.elapsed() < minutes * 60000)
-        QTest::qWait(200);
+    // The program's own loop, not qWait's: its sleeps would hold each
+    // picture back and age the frames.
+    runEventLoop(int(minutes * 60000));
     phase("stopping the last recording");
     filters.stop();
     snapshot.stop();
@@ -281,6 +331,12 @@ int main(int argc, char *argv[])
             || (growthMb < 20 && qAbs(last.threads - first.threads) <= 4 && qAbs(last.descriptors - first.descriptors) <= 8);
     const bool passed = steady && movies > 0 && unplayable == 0 && withoutInformation == 0 && unreadable == 0
             && images.size() >= snapshots && warnings.isEmpty() && revivals == 0;
+    if (judged) {
+        printViewAge("first three minutes", 0, 3 * 60000);
+        printViewAge("last three minutes", qint64(minutes * 60000) - 3 * 60000, qint64(minutes * 60000));
+    } else {
+        printViewAge("whole soak", 0, qint64(minutes * 60000));
+    }
     if (judged)
         std::printf("RSS growth, highest of the last three minutes against the first three: %.1f MB\n", growthMb);
     else
