@@ -232,6 +232,9 @@ int main(int argc, char *argv[])
         }
     });
     snapshot.start(30000);
+    // A pull that falls on the end still has its camera plugged back, but
+    // starts no recording after the last stop.
+    bool ending = false;
     const auto pullAndPlugBack = [&] {
         devices.setCameras({});
         ++unplugs;
@@ -239,7 +242,7 @@ int main(int argc, char *argv[])
             devices.setCameras({ camera });
             // The watchdog looks every 3 s; then the microphone settles.
             QTimer::singleShot(8000, [&] {
-                if (window.isCameraLive() && !recording(window)) {
+                if (!ending && window.isCameraLive() && !recording(window)) {
                     window.captureVideo();
                     ++restarts;
                 }
@@ -266,6 +269,7 @@ int main(int argc, char *argv[])
     // picture back and age the frames.
     runEventLoop(int(minutes * 60000));
     phase("stopping the last recording");
+    ending = true;
     filters.stop();
     snapshot.stop();
     unplug.stop();
