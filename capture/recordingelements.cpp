@@ -4,9 +4,11 @@
 #include "app/orvixlogging.h"
 #include "capture/silencefeeder.h"
 #include "imaging/liveframepipeline.h"
+#include "tasks/threadpriority.h"
 
 #ifdef ORVIX_HAVE_GSTREAMER
 
+#include <algorithm>
 #include <atomic>
 #include <mutex>
 #include <vector>
@@ -283,10 +285,61 @@ void muxerClassInit(gpointer klass, gpointer)
     gst_element_class_add_pad_template(elementClass, only420);
 }
 
+// The encoder's threads work a little below the live view and the X server.
+// On a loaded machine they otherwise take the one free core just when a
+// picture is on its way to the screen, for each frame at once. At this
+// value they still get their share next to busy processes, and the file
+// keeps its frame rate with both cores taken.
+constexpr int encoderThreadsNice = 5;
+// The encoder starts its threads when it learns the picture's format, at
+// the latest with the first frame; they are looked for a little longer.
+constexpr int encoderThreadSearchFrames = 30;
+
+struct EncoderThreads
+{
+    std::vector<long> before;
+    int framesLeft = 0;
+};
+
+// Runs on the streaming thread that feeds the encoder, which is the thread
+// that starts the encoder's own and gives them its name.
+GstPadProbeReturn lowerEncoderThreads(GstPad *pad, GstPadProbeInfo *info, gpointer data)
+{
+    auto *threads = static_cast<EncoderThreads *>(data);
+    if (GST_PAD_PROBE_INFO_TYPE(info) & GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM) {
+        if (GST_EVENT_TYPE(GST_PAD_PROBE_INFO_EVENT(info)) == GST_EVENT_CAPS) {
+            threads->before = threadsNamedLikeThisOne();
+            threads->framesLeft = encoderThreadSearchFrames;
+        }
+        return GST_PAD_PROBE_OK;
+    }
+    if (threads->framesLeft <= 0)
+        return GST_PAD_PROBE_OK;
+    --threads->framesLeft;
+    int lowered = 0;
+    for (long id : threadsNamedLikeThisOne()) {
+        if (std::find(threads->before.begin(), threads->before.end(), id) == threads->before.end()
+                && lowerThread(id, encoderThreadsNice))
+            ++lowered;
+    }
+    if (lowered > 0) {
+        qCDebug(lcRecording) << "encoder threads at nice" << encoderThreadsNice << ":" << lowered
+                             << "at" << GST_OBJECT_NAME(GST_OBJECT_PARENT(pad));
+        threads->framesLeft = 0;
+    }
+    return GST_PAD_PROBE_OK;
+}
+
 void encoderConstructed(GObject *object)
 {
     if (encoderParentClass->constructed)
         encoderParentClass->constructed(object);
+    if (GstPad *sink = gst_element_get_static_pad(GST_ELEMENT(object), "sink")) {
+        gst_pad_add_probe(sink, GstPadProbeType(GST_PAD_PROBE_TYPE_BUFFER | GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM),
+                          lowerEncoderThreads, new EncoderThreads,
+                          [](gpointer data) { delete static_cast<EncoderThreads *>(data); });
+        gst_object_unref(sink);
+    }
     gst_util_set_object_arg(object, "speed-preset", RecordingElements::speedPreset);
     gst_util_set_object_arg(object, "tune", RecordingElements::tune);
     g_object_set(object, "bitrate", guint(RecordingElements::bitrateKbit),

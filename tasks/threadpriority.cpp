@@ -5,16 +5,73 @@
 #include <QThread>
 
 #ifdef Q_OS_LINUX
+#include <QByteArray>
+#include <QDir>
+#include <QFile>
+
+#include <cerrno>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 #endif
 
+namespace {
+
+constexpr int backgroundNice = 10;
+
+#ifdef Q_OS_LINUX
+long currentThreadId()
+{
+    return long(syscall(SYS_gettid));
+}
+#endif
+
+} // namespace
+
 void lowerCurrentThread()
 {
 #ifdef Q_OS_LINUX
-    setpriority(PRIO_PROCESS, id_t(syscall(SYS_gettid)), 10);
+    lowerThread(currentThreadId(), backgroundNice);
 #else
     QThread::currentThread()->setPriority(QThread::LowestPriority);
+#endif
+}
+
+std::vector<long> threadsNamedLikeThisOne()
+{
+    std::vector<long> found;
+#ifdef Q_OS_LINUX
+    char ownName[17] = {};
+    if (prctl(PR_GET_NAME, ownName) != 0)
+        return found;
+    const long self = currentThreadId();
+    const QByteArray name(ownName);
+    const QStringList ids = QDir(QStringLiteral("/proc/self/task")).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    for (const QString &entry : ids) {
+        bool number = false;
+        const long id = entry.toLong(&number);
+        if (!number || id == self)
+            continue;
+        QFile comm(QStringLiteral("/proc/self/task/%1/comm").arg(entry));
+        if (comm.open(QIODevice::ReadOnly) && comm.readAll().trimmed() == name)
+            found.push_back(id);
+    }
+#endif
+    return found;
+}
+
+bool lowerThread(long id, int niceValue)
+{
+#ifdef Q_OS_LINUX
+    errno = 0;
+    const int now = getpriority(PRIO_PROCESS, id_t(id));
+    if (errno != 0)
+        return false;
+    return now >= niceValue || setpriority(PRIO_PROCESS, id_t(id), niceValue) == 0;
+#else
+    Q_UNUSED(id);
+    Q_UNUSED(niceValue);
+    return false;
 #endif
 }
