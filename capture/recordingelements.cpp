@@ -287,10 +287,10 @@ void muxerClassInit(gpointer klass, gpointer)
 
 // The encoder's threads work a little below the live view and the X server.
 // On a loaded machine they otherwise take the one free core just when a
-// picture is on its way to the screen, for each frame at once. At this
-// value they still get their share next to busy processes, and the file
-// keeps its frame rate with both cores taken.
-constexpr int encoderThreadsNice = 5;
+// picture is on its way to the screen, for each frame at once. At nice 5
+// they still get their share next to busy processes, and the file keeps
+// its frame rate with both cores taken.
+using RecordingElements::encoderThreadsNice;
 // The encoder starts its threads when it learns the picture's format, at
 // the latest with the first frame; they are looked for a little longer.
 constexpr int encoderThreadSearchFrames = 30;

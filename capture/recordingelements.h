@@ -54,5 +54,7 @@ inline constexpr const char *tune = "zerolatency";
 inline constexpr int bitrateKbit = 6000;
 inline constexpr int keyframeInterval = 60;
 inline constexpr int fragmentMilliseconds = 1000;
+// The nice value of the encoder's own threads, which end with its file.
+inline constexpr int encoderThreadsNice = 5;
 
 } // namespace RecordingElements

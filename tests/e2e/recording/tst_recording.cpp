@@ -6,6 +6,10 @@
 #include <csignal>
 
 #include <unistd.h>
+#ifdef __linux__
+#include <cerrno>
+#include <sys/resource.h>
+#endif
 
 #include <QDeadlineTimer>
 #include <QDir>
@@ -55,6 +59,23 @@ void setField(MainWindow &window, const QString &name, const QString &text)
 QStringList movies(const QString &root)
 {
     return QDir(root + QStringLiteral("/Movie")).entryList({ QStringLiteral("*.mp4") }, QDir::Files, QDir::Name);
+}
+
+// Threads of this process at that nice value; -1 where that is not known.
+int threadsAtNice(int niceValue)
+{
+#ifdef Q_OS_LINUX
+    int found = 0;
+    for (const QString &id : QDir(QStringLiteral("/proc/self/task")).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        errno = 0;
+        const int now = getpriority(PRIO_PROCESS, id_t(id.toInt()));
+        found += errno == 0 && now == niceValue;
+    }
+    return found;
+#else
+    Q_UNUSED(niceValue);
+    return -1;
+#endif
 }
 
 bool recording(MainWindow &window)
@@ -207,6 +228,10 @@ private slots:
         QCOMPARE(window.currentRecorder()->metaData().value(QMediaMetaData::Comment).toString(),
                  QStringLiteral("Dr. Ørsted//St. Mary's; \"East\" = 1/") + information.comment);
         QCOMPARE(window.currentRecorder()->metaData().value(QMediaMetaData::Title).toString(), information.fileName);
+        // The encoder's threads work below the window's and the live view's.
+        const int niceBefore = threadsAtNice(RecordingElements::encoderThreadsNice);
+        if (niceBefore >= 0)
+            QTRY_VERIFY_WITH_TIMEOUT(threadsAtNice(RecordingElements::encoderThreadsNice) > niceBefore, 3000);
 
         QTest::qWait(4000);
         window.pauseCaptureVideo();
@@ -227,6 +252,9 @@ private slots:
         QVERIFY(!button->isChecked());
         QTRY_VERIFY_WITH_TIMEOUT(stopped(window), 10000);
         QVERIFY(!recordingWarning(window));
+        // Only they were lowered, and they end with the file: no thread that
+        // outlives the recording, such as a pooled streaming thread, is.
+        QTRY_COMPARE_WITH_TIMEOUT(threadsAtNice(RecordingElements::encoderThreadsNice), niceBefore, 5000);
 
         const QStringList files = movies(root);
         QCOMPARE(files.size(), 1);
