@@ -9,8 +9,10 @@
 // last: a view that falls behind over hours shows there.
 // Usage: orvix_soak [minutes, default 30]. The test run has a 3-minute one.
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
+#include <mutex>
 #if defined(__GLIBC__)
 #include <csignal>
 #include <execinfo.h>
@@ -42,10 +44,12 @@
 #include "virtualdevices.h"
 
 namespace {
+// Messages come from every thread: the recording's, the render thread, Qt's.
+std::mutex warningsLock;
 QStringList warnings;
 // Sources Qt's recorder stopped at a file's start, set going again by the
 // recording's safety net: each one cost the start of a file's sound.
-int revivals = 0;
+std::atomic<int> revivals { 0 };
 QtMessageHandler previousHandler = nullptr;
 QElapsedTimer soakClock;
 
@@ -100,10 +104,31 @@ void collect(QtMsgType type, const QMessageLogContext &context, const QString &t
     if (text.contains(QLatin1String("going again")))
         ++revivals;
     else if (type != QtDebugMsg && type != QtInfoMsg && !text.contains(QLatin1String("No such signal"))
-             && !text.contains(QLatin1String("(receiver name:")) && !text.contains(QLatin1String("propagateSizeHints")))
+             && !text.contains(QLatin1String("(receiver name:")) && !text.contains(QLatin1String("propagateSizeHints"))) {
+        std::lock_guard<std::mutex> locked(warningsLock);
         warnings.append(text);
+    }
     previousHandler(type, context, text);
 }
+
+QStringList warningsSoFar()
+{
+    std::lock_guard<std::mutex> locked(warningsLock);
+    return warnings;
+}
+
+// Threads of Qt and GStreamer outlive main(); a message of theirs after it
+// must not reach this file's lists while the C++ runtime destroys them.
+struct MessagesCollected
+{
+    MessagesCollected() { previousHandler = qInstallMessageHandler(collect); }
+    ~MessagesCollected()
+    {
+        qInstallMessageHandler(previousHandler);
+        // A crash after this line is in the process's own exit.
+        phase("main's objects gone");
+    }
+};
 
 long statusField(const char *field)
 {
@@ -178,12 +203,13 @@ int main(int argc, char *argv[])
 {
     // As the program's main() does.
     MemoryTuning::apply();
+    // First, so that it is let go last.
+    MessagesCollected messages;
     VirtualDevices devices;
     QApplication app(argc, argv);
     QCoreApplication::setOrganizationName(QStringLiteral("Kelvane"));
     QCoreApplication::setApplicationName(QStringLiteral("Orvix"));
     const double minutes = argc > 1 ? QByteArray(argv[1]).toDouble() : 30;
-    previousHandler = qInstallMessageHandler(collect);
     QLoggingCategory::setFilterRules(QStringLiteral("orvix.perf.info=true"));
     // backtrace() loads its unwinder on first use: not in the handler.
     void *warmUp[1];
@@ -321,10 +347,12 @@ int main(int argc, char *argv[])
         std::printf("| %s | %.1f | %.1f | %ld | %lld |\n",
                     qPrintable(i + 1 == samples.size() ? QStringLiteral("end") : QString::number(i + 1)),
                     samples[i].rssKb / 1024.0, samples[i].heapInUseMb, samples[i].threads, qint64(samples[i].descriptors));
+    const QStringList warned = warningsSoFar();
     std::printf("movies %d (unplayable %d, without information %d), snapshots %lld (unreadable %d), warnings %lld, "
                 "sources set going again %d\n",
-                movies, unplayable, withoutInformation, qint64(images.size()), unreadable, qint64(warnings.size()), revivals);
-    for (const QString &warning : std::as_const(warnings))
+                movies, unplayable, withoutInformation, qint64(images.size()), unreadable, qint64(warned.size()),
+                revivals.load());
+    for (const QString &warning : warned)
         std::printf("warning: %s\n", qPrintable(warning));
 
     // Growth is judged where the first three samples and the last three are
@@ -334,7 +362,7 @@ int main(int argc, char *argv[])
     const bool steady = !judged
             || (growthMb < 20 && qAbs(last.threads - first.threads) <= 4 && qAbs(last.descriptors - first.descriptors) <= 8);
     const bool passed = steady && movies > 0 && unplayable == 0 && withoutInformation == 0 && unreadable == 0
-            && images.size() >= snapshots && warnings.isEmpty() && revivals == 0;
+            && images.size() >= snapshots && warned.isEmpty() && revivals == 0;
     if (judged) {
         printViewAge("first three minutes", 0, 3 * 60000);
         printViewAge("last three minutes", qint64(minutes * 60000) - 3 * 60000, qint64(minutes * 60000));
