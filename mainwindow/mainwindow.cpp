@@ -26,6 +26,7 @@
 #include "capture/devicerecognition.h"
 #include "capture/orvixdevicewatchdogtask.h"
 #include "capture/recordingelements.h"
+#include "capture/streamingthreads.h"
 #include "tasks/orvixtaskscheduler.h"
 #include "widgets/animationlabel.h"
 #include "widgets/orvixvideowidget.h"
@@ -36,6 +37,8 @@ MainWindow::MainWindow(QWidget *parent)
 {
     // Before any recorder exists: Qt's recorder picks its elements by rank.
     RecordingElements::install();
+    // Before any camera: no streaming thread may end after the display.
+    StreamingThreads::keepSpareThreads();
     setWindowIcon(QIcon(QStringLiteral(":/res/orvix.png")));
 
     setupCentralLayout();
