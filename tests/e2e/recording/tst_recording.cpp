@@ -78,6 +78,22 @@ int threadsAtNice(int niceValue)
 #endif
 }
 
+// The streaming threads of Qt's snapshot branch, by id and name. Qt names
+// that branch's queue "imageCaptureQueue"; Linux keeps 15 characters.
+QStringList snapshotThreads()
+{
+    QStringList found;
+#ifdef Q_OS_LINUX
+    const QDir tasks(QStringLiteral("/proc/self/task"));
+    for (const QString &id : tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        QFile name(tasks.filePath(id + QStringLiteral("/comm")));
+        if (name.open(QIODevice::ReadOnly) && name.readAll().startsWith("imageCaptureQue"))
+            found.append(id);
+    }
+#endif
+    return found;
+}
+
 bool recording(MainWindow &window)
 {
     return window.currentRecorder() && window.currentRecorder()->recorderState() == QMediaRecorder::RecordingState;
@@ -792,6 +808,23 @@ private slots:
         const QImage picture(images + QLatin1Char('/') + saved.first());
         QCOMPARE(picture.size(), QSize(1920, 1080));
         QVERIFY(picture.pixel(960, 270) != picture.pixel(10, 1070));
+
+        // Qt made the picture on that branch's streaming thread, which now
+        // keeps Qt's converter (on an X display, an OpenGL context). The
+        // thread must not end when its camera goes: it could end after the
+        // display, as the program quits.
+        const QStringList converting = snapshotThreads();
+#ifdef Q_OS_LINUX
+        QVERIFY(!converting.isEmpty());
+#endif
+        devices.setCameras({});
+        QTRY_VERIFY_WITH_TIMEOUT(!window.isCameraLive(), 10000);
+        QTest::qWait(1000);
+        const QStringList alive = snapshotThreads();
+        for (const QString &id : converting)
+            QVERIFY2(alive.contains(id), qPrintable(QStringLiteral("thread %1 ended with the camera").arg(id)));
+        devices.setCameras({ cameraLine() });
+        QTRY_COMPARE_WITH_TIMEOUT(QMediaDevices::videoInputs().size(), 1, 5000);
     }
 
 private:
