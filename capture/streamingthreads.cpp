@@ -6,7 +6,7 @@
 
 namespace StreamingThreads {
 
-void keepSpareThreads()
+void keepSpareThreadsFromNowOn()
 {
 #ifdef ORVIX_HAVE_GSTREAMER
     // No cap on spare threads, and no idle time after which one ends.

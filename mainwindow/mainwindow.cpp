@@ -37,8 +37,6 @@ MainWindow::MainWindow(QWidget *parent)
 {
     // Before any recorder exists: Qt's recorder picks its elements by rank.
     RecordingElements::install();
-    // Before any camera: no streaming thread may end after the display.
-    StreamingThreads::keepSpareThreads();
     setWindowIcon(QIcon(QStringLiteral(":/res/orvix.png")));
 
     setupCentralLayout();
@@ -74,6 +72,8 @@ MainWindow::MainWindow(QWidget *parent)
 
 MainWindow::~MainWindow()
 {
+    // The application and its display go soon after the window.
+    StreamingThreads::keepSpareThreadsFromNowOn();
     deletePipeline();
     RecordingElements::stopFeedingSilence();
     deleteAudioSource();
