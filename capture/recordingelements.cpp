@@ -22,6 +22,7 @@ constexpr int elementRank = GST_RANK_PRIMARY + 100;
 
 GObjectClass *muxerParentClass = nullptr;
 GObjectClass *encoderParentClass = nullptr;
+GObjectClass *soundEncoderParentClass = nullptr;
 
 // How long data may wait for a peer that is starting.
 constexpr gint64 peerStartWaitUsec = 2 * G_USEC_PER_SEC;
@@ -352,6 +353,37 @@ void encoderClassInit(gpointer klass, gpointer)
     G_OBJECT_CLASS(klass)->constructed = encoderConstructed;
 }
 
+void soundEncoderConstructed(GObject *object)
+{
+    if (soundEncoderParentClass->constructed)
+        soundEncoderParentClass->constructed(object);
+    gst_util_set_object_arg(object, "target", "bitrate");
+    g_object_set(object, "bitrate", gint(RecordingElements::soundBitrateKbit), "cbr", TRUE, nullptr);
+}
+
+void soundEncoderClassInit(gpointer klass, gpointer)
+{
+    soundEncoderParentClass = G_OBJECT_CLASS(g_type_class_peek_parent(klass));
+    G_OBJECT_CLASS(klass)->constructed = soundEncoderConstructed;
+    // Only the rates MP3 in an MP4 may have for an archive: the recorder
+    // resamples anything else.
+    auto *elementClass = GST_ELEMENT_CLASS(klass);
+    GstPadTemplate *stock = gst_element_class_get_pad_template(elementClass, "sink");
+    if (!stock)
+        return;
+    GstCaps *caps = gst_caps_from_string(
+            "audio/x-raw, format=(string)S16LE, layout=(string)interleaved, rate=(int){ 32000, 44100, 48000 }, "
+            "channels=(int)1; "
+            "audio/x-raw, format=(string)S16LE, layout=(string)interleaved, rate=(int){ 32000, 44100, 48000 }, "
+            "channels=(int)2, channel-mask=(bitmask)0x3");
+    const GType padType = GST_PAD_TEMPLATE_GTYPE(stock);
+    GstPadTemplate *allowed = padType == G_TYPE_NONE
+            ? gst_pad_template_new("sink", GST_PAD_SINK, GST_PAD_ALWAYS, caps)
+            : gst_pad_template_new_with_gtype("sink", GST_PAD_SINK, GST_PAD_ALWAYS, caps, padType);
+    gst_caps_unref(caps);
+    gst_element_class_add_pad_template(elementClass, allowed);
+}
+
 bool registerSubclass(const char *stockName, const char *typeName, const char *name, GClassInitFunc classInit)
 {
     GstElementFactory *factory = gst_element_factory_find(stockName);
@@ -390,6 +422,8 @@ bool install()
         watchLinks();
         const bool muxer = registerSubclass("mp4mux", "OrvixMp4Mux", muxerName, muxerClassInit);
         const bool encoder = registerSubclass("x264enc", "OrvixX264Enc", encoderName, encoderClassInit);
+        // Without it the sound is recorded at a varying rate, as before.
+        registerSubclass("lamemp3enc", "OrvixLameMp3Enc", RecordingElements::soundEncoderName, soundEncoderClassInit);
         installed = muxer && encoder;
     });
     return installed;

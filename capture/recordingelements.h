@@ -47,6 +47,7 @@ int silenceBuffersFed();
 // The factory names, for tests and benchmarks.
 inline constexpr const char *muxerName = "orvixmp4mux";
 inline constexpr const char *encoderName = "orvixx264enc";
+inline constexpr const char *soundEncoderName = "orvixlamemp3enc";
 
 // The encoder's settings, so that a plain pipeline can be given the same.
 inline constexpr const char *speedPreset = "superfast";
@@ -54,6 +55,9 @@ inline constexpr const char *tune = "zerolatency";
 inline constexpr int bitrateKbit = 6000;
 inline constexpr int keyframeInterval = 60;
 inline constexpr int fragmentMilliseconds = 1000;
+// The sound at a constant rate, as an archive takes MP3 in MP4: clear
+// speech, at a rate MP3 allows there.
+inline constexpr int soundBitrateKbit = 128;
 // The nice value of the encoder's own threads, which end with its file.
 inline constexpr int encoderThreadsNice = 5;
 

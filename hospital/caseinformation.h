@@ -1,27 +1,43 @@
 // What the archive needs about a recording beyond the five designed fields:
-// the worklist's patient, study and procedure, and the recording's series.
-// Kept in the movie's information file under a group of its own, written
-// after the designed one so that an older reader still reads that file.
+// the patient and the worklist's study and procedure, and the recording's
+// series. Kept in the movie's information file under a group of its own,
+// written after the designed one so that an older reader still reads that
+// file, and in the archive's queue.
 #pragma once
 
+#include <QDateTime>
 #include <QString>
+#include <QVariantMap>
 
 #include "hospital/dicomnetwork.h"
 
 struct CaseInformation
 {
-    WorklistEntry worklist; // empty when the case was typed by hand
+    // The patient, and for a case from the worklist its study and
+    // procedure; for a case typed by hand only the name and the ID.
+    WorklistEntry worklist;
+    bool scheduled = false; // chosen from the worklist
     QString studyInstanceUid;
+    QDateTime studyStarted; // one Study Date and Time for all of a study's objects
     QString seriesInstanceUid;
     int instanceNumber = 1; // the file's place in a split recording's series
 
-    bool fromWorklist() const { return !worklist.studyInstanceUid.isEmpty(); }
+    bool fromWorklist() const { return scheduled; }
+    // Without an ID an archive cannot tell one patient from another; such a
+    // file is kept here and not sent.
+    bool hasPatientId() const { return !worklist.patientId.trimmed().isEmpty(); }
+    // Written with a recording, or a file recorded before the archive was
+    // set up.
+    bool isKnown() const { return !studyInstanceUid.isEmpty(); }
+
+    QVariantMap toMap() const;
+    static CaseInformation fromMap(const QVariantMap &map);
 
     void write(const QString &informationPath) const;
     static CaseInformation read(const QString &informationPath);
 };
 
 namespace DicomUid {
-// A new, globally unique UID.
+// A new, globally unique UID under the UUID root (2.25).
 QString make();
 } // namespace DicomUid

@@ -12,6 +12,7 @@
 #include <dcmtk/dcmdata/libi2d/i2djpgs.h>
 #include <dcmtk/dcmdata/libi2d/i2dplvlp.h>
 
+#include "hospital/dicomtext.h"
 #include "hospital/mp4summary.h"
 
 namespace {
@@ -21,66 +22,89 @@ void put(DcmItem &item, const DcmTagKey &tag, const QString &value)
     item.putAndInsertString(tag, value.toUtf8().constData());
 }
 
-// DICOM names are "Family^Given"; a name typed as "Family, Given" is turned
-// into that form, anything else is kept as typed.
-QString personName(const QString &typed)
+// A code, as the coded sequences hold them.
+void putCode(DcmItem &item, const DcmTagKey &sequence, const char *value, const char *scheme, const char *meaning)
 {
-    if (typed.contains(QLatin1Char('^')))
-        return typed.trimmed();
-    const int comma = typed.indexOf(QLatin1Char(','));
-    if (comma < 0)
-        return typed.trimmed();
-    return typed.left(comma).trimmed() + QLatin1Char('^') + typed.mid(comma + 1).trimmed();
+    DcmItem *code = nullptr;
+    item.findOrCreateSequenceItem(sequence, code, -2);
+    code->putAndInsertString(DCM_CodeValue, value);
+    code->putAndInsertString(DCM_CodingSchemeDesignator, scheme);
+    code->putAndInsertString(DCM_CodeMeaning, meaning);
+}
+
+QString date(const QDateTime &time)
+{
+    return time.toString(QStringLiteral("yyyyMMdd"));
+}
+
+QString timeOfDay(const QDateTime &time)
+{
+    return time.toString(QStringLiteral("HHmmss"));
 }
 
 // The modules both objects share: patient, study, series, equipment,
-// general image, acquisition context and SOP common.
+// general image, acquisition context, VL image's region, and SOP common.
 void putCommon(DcmItem &item, const ObjectContext &context, const char *sopClass)
 {
+    using namespace DicomText;
     const WorklistEntry &worklist = context.study.worklist;
-    const QString date = context.taken.toString(QStringLiteral("yyyyMMdd"));
-    const QString time = context.taken.toString(QStringLiteral("HHmmss"));
+    const QDateTime studyStarted = context.study.studyStarted.isValid() ? context.study.studyStarted : context.taken;
+    const QDateTime now = QDateTime::currentDateTime();
     put(item, DCM_SpecificCharacterSet, QStringLiteral("ISO_IR 192"));
     item.putAndInsertString(DCM_SOPClassUID, sopClass);
-    put(item, DCM_SOPInstanceUID, DicomUid::make());
-    put(item, DCM_InstanceCreationDate, QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd")));
-    put(item, DCM_InstanceCreationTime, QDateTime::currentDateTime().toString(QStringLiteral("HHmmss")));
-    put(item, DCM_StudyDate, date);
-    put(item, DCM_StudyTime, time);
-    put(item, DCM_SeriesDate, date);
-    put(item, DCM_SeriesTime, time);
-    put(item, DCM_ContentDate, date);
-    put(item, DCM_ContentTime, time);
-    put(item, DCM_AcquisitionDateTime, date + time);
-    put(item, DCM_AccessionNumber, worklist.accessionNumber);
+    put(item, DCM_SOPInstanceUID, context.sopInstanceUid.isEmpty() ? DicomUid::make() : context.sopInstanceUid);
+    put(item, DCM_InstanceCreationDate, date(now));
+    put(item, DCM_InstanceCreationTime, timeOfDay(now));
+    put(item, DCM_StudyDate, date(studyStarted));
+    put(item, DCM_StudyTime, timeOfDay(studyStarted));
+    put(item, DCM_SeriesDate, date(context.taken));
+    put(item, DCM_SeriesTime, timeOfDay(context.taken));
+    put(item, DCM_ContentDate, date(context.taken));
+    put(item, DCM_ContentTime, timeOfDay(context.taken));
+    put(item, DCM_AcquisitionDateTime, date(context.taken) + timeOfDay(context.taken));
+    put(item, DCM_AccessionNumber, fitted(worklist.accessionNumber, shortString));
     put(item, DCM_Modality, QStringLiteral("ES"));
     put(item, DCM_Manufacturer, QStringLiteral("Kelvane"));
-    put(item, DCM_InstitutionName, context.hospital);
+    put(item, DCM_InstitutionName, fitted(context.hospital, longString));
     put(item, DCM_ReferringPhysicianName, QString());
-    put(item, DCM_StudyDescription, worklist.requestedProcedure);
-    put(item, DCM_SeriesDescription, context.description);
+    put(item, DCM_StudyDescription, fitted(worklist.requestedProcedure, longString));
+    put(item, DCM_SeriesDescription, fitted(context.description, longString));
     put(item, DCM_PerformingPhysicianName, personName(context.doctor));
     put(item, DCM_ManufacturerModelName, QStringLiteral("Orvix"));
     put(item, DCM_SoftwareVersions, QStringLiteral("2.0.1"));
-    put(item, DCM_PatientName, worklist.patientName.isEmpty() ? personName(context.patientName) : worklist.patientName);
-    put(item, DCM_PatientID, worklist.patientId);
-    put(item, DCM_PatientBirthDate, QString());
-    put(item, DCM_PatientSex, QString());
+    put(item, DCM_PatientName, personName(worklist.patientName.isEmpty() ? context.patientName : worklist.patientName));
+    put(item, DCM_PatientID, fitted(worklist.patientId, longString));
+    if (!worklist.issuerOfPatientId.isEmpty())
+        put(item, DCM_IssuerOfPatientID, fitted(worklist.issuerOfPatientId, longString));
+    const QDate birth = QDate::fromString(worklist.patientBirthDate, QStringLiteral("yyyyMMdd"));
+    put(item, DCM_PatientBirthDate, birth.isValid() ? worklist.patientBirthDate : QString());
+    const QString sex = worklist.patientSex.trimmed().toUpper();
+    put(item, DCM_PatientSex, sex == QLatin1String("M") || sex == QLatin1String("F") || sex == QLatin1String("O") ? sex : QString());
     put(item, DCM_StudyInstanceUID, context.study.studyInstanceUid);
     put(item, DCM_SeriesInstanceUID, context.study.seriesInstanceUid);
-    put(item, DCM_StudyID, worklist.requestedProcedureId);
+    put(item, DCM_StudyID, fitted(worklist.requestedProcedureId, shortString));
     put(item, DCM_SeriesNumber, QString::number(context.seriesNumber));
     put(item, DCM_InstanceNumber, QString::number(context.instanceNumber));
     put(item, DCM_PatientOrientation, QString());
     put(item, DCM_ImageType, QStringLiteral("ORIGINAL\\PRIMARY"));
     put(item, DCM_LossyImageCompression, QStringLiteral("01"));
     item.insertEmptyElement(DCM_AcquisitionContextSequence);
-    if (!worklist.requestedProcedureId.isEmpty()) {
+    // An original picture must name the body region it shows; a camera
+    // cannot know it, so the region is the whole body, the code that says
+    // no more than that.
+    putCode(item, DCM_AnatomicRegionSequence, "38266002", "SCT", "Entire body");
+    if (context.study.fromWorklist()) {
         DcmItem *request = nullptr;
         item.findOrCreateSequenceItem(DCM_RequestAttributesSequence, request, -2);
-        put(*request, DCM_RequestedProcedureID, worklist.requestedProcedureId);
-        put(*request, DCM_AccessionNumber, worklist.accessionNumber);
+        put(*request, DCM_RequestedProcedureID, fitted(worklist.requestedProcedureId, shortString));
+        put(*request, DCM_AccessionNumber, fitted(worklist.accessionNumber, shortString));
         put(*request, DCM_StudyInstanceUID, context.study.studyInstanceUid);
+        if (!worklist.requestedProcedure.isEmpty())
+            put(*request, DCM_RequestedProcedureDescription, fitted(worklist.requestedProcedure, longString));
+        if (!worklist.scheduledStepId.isEmpty())
+            put(*request, DCM_ScheduledProcedureStepID, fitted(worklist.scheduledStepId, shortString));
+        if (!worklist.scheduledStepDescription.isEmpty())
+            put(*request, DCM_ScheduledProcedureStepDescription, fitted(worklist.scheduledStepDescription, longString));
     }
 }
 
@@ -134,6 +158,10 @@ QString movie(const QString &recordedFile, const ObjectContext &context, const Q
     if (!summary.valid || summary.videoFrames <= 0)
         return QStringLiteral("%1 holds no picture the archive can take (%2)")
             .arg(QFileInfo(recordedFile).fileName(), summary.error);
+    QString why;
+    const QString syntax = DicomObjects::movieTransferSyntax(recordedFile, &why);
+    if (syntax.isEmpty())
+        return why;
     QFile source(recordedFile);
     if (!source.open(QIODevice::ReadOnly))
         return source.errorString();
@@ -161,14 +189,22 @@ QString movie(const QString &recordedFile, const ObjectContext &context, const Q
     dataset.putAndInsertUint16(DCM_HighBit, 7);
     dataset.putAndInsertUint16(DCM_PixelRepresentation, 0);
     put(dataset, DCM_LossyImageCompressionMethod, QStringLiteral("ISO_14496_10"));
-    // The sound stays inside the MP4 as recorded; its channels are not
-    // described yet.
-    dataset.insertEmptyElement(DCM_MultiplexedAudioChannelsDescriptionCodeSequence);
+    // The sound stays inside the MP4 as recorded, its one channel (mono or
+    // stereo) described; a movie without sound has no description at all.
+    if (summary.hasAudio) {
+        DcmItem *channel = nullptr;
+        dataset.findOrCreateSequenceItem(DCM_MultiplexedAudioChannelsDescriptionCodeSequence, channel, -2);
+        channel->putAndInsertString(DCM_ChannelIdentificationCode, "1");
+        channel->putAndInsertString(DCM_ChannelMode, summary.audioChannels == 2 ? "STEREO" : "MONO");
+        // The camera's microphone hears the room, the voices in it included.
+        putCode(*channel, DCM_ChannelSourceSequence, "109112", "DCM", "Ambient room environment");
+    }
 
     // Everything but the pixel data through DCMTK, then the MP4 itself as
     // the one fragment, copied in pieces so a 1 GB movie needs no 1 GB of
     // memory.
-    OFCondition saved = file.saveFile(target.toLocal8Bit().constData(), EXS_MPEG4HighProfileLevel4_1);
+    const E_TransferSyntax written = DcmXfer(syntax.toLatin1().constData()).getXfer();
+    OFCondition saved = file.saveFile(target.toLocal8Bit().constData(), written);
     if (saved.bad())
         return QString::fromLocal8Bit(saved.text());
     QFile output(target);
@@ -197,6 +233,33 @@ Kind kindOf(const QString &recordedFile)
 {
     return QFileInfo(recordedFile).suffix().compare(QLatin1String("jpg"), Qt::CaseInsensitive) == 0 ? Kind::Picture
                                                                                                    : Kind::Movie;
+}
+
+QString movieTransferSyntax(const QString &recordedFile, QString *why)
+{
+    const Mp4Summary summary = Mp4Summary::read(recordedFile);
+    const QString name = QFileInfo(recordedFile).fileName();
+    if (summary.videoCodec != QLatin1String("avc1") && summary.videoCodec != QLatin1String("avc3")) {
+        *why = QStringLiteral("%1 is not an H.264 movie (its picture is \"%2\"), which the archive cannot take.")
+                   .arg(name, summary.videoCodec.isEmpty() ? QStringLiteral("unknown") : summary.videoCodec);
+        return QString();
+    }
+    constexpr int high = 100;
+    if (summary.avcProfile != high) {
+        *why = QStringLiteral("%1 is H.264 of profile %2, not High Profile, which the archive cannot take.")
+                   .arg(name)
+                   .arg(summary.avcProfile);
+        return QString();
+    }
+    if (summary.avcLevel <= 41)
+        return QString::fromLatin1(UID_MPEG4HighProfileLevel4_1TransferSyntax);
+    if (summary.avcLevel == 42)
+        return QString::fromLatin1(UID_MPEG4HighProfileLevel4_2_For2DVideoTransferSyntax);
+    *why = QStringLiteral("%1 is H.264 at level %2.%3, above the 4.2 an archive can take.")
+               .arg(name)
+               .arg(summary.avcLevel / 10)
+               .arg(summary.avcLevel % 10);
+    return QString();
 }
 
 QString write(const QString &recordedFile, const ObjectContext &context, const QString &target)

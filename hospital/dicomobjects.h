@@ -1,7 +1,7 @@
 // Recorded files as the archive takes them: a snapshot becomes a VL
 // Endoscopic Image (its JPEG as it is), a movie a Video Endoscopic Image
-// (its MP4 as it is, MPEG-4 AVC/H.264 High Profile / Level 4.1). The
-// recorded file is only read.
+// (its MP4 as it is, in the MPEG-4 AVC/H.264 transfer syntax its stream
+// fits). The recorded file is only read.
 #pragma once
 
 #include <QDateTime>
@@ -19,12 +19,18 @@ struct ObjectContext
     QDateTime taken;
     int seriesNumber = 1;
     int instanceNumber = 1;
+    // Given once, when the file is queued: an object built again after a
+    // failure is the same instance.
+    QString sopInstanceUid;
 };
 
 namespace DicomObjects {
 enum class Kind { Picture, Movie };
 
 Kind kindOf(const QString &recordedFile);
+// The transfer syntax a movie's stream fits, or empty with `why` said: only
+// H.264 High Profile up to level 4.2 in 4:2:0 has one.
+QString movieTransferSyntax(const QString &recordedFile, QString *why);
 // Writes the object for `recordedFile` to `target`; empty on success,
 // otherwise why not.
 QString write(const QString &recordedFile, const ObjectContext &context, const QString &target);

@@ -23,6 +23,11 @@ struct Track
     qint64 samples = 0;
     qint64 duration = 0; // in timescale units
     QByteArray sampleEntry;
+    int avcProfile = 0;
+    int avcLevel = 0;
+    int channels = 0;
+    int sampleRate = 0;
+    qint64 firstSample = -1; // where the first sample's bytes are
 };
 
 class Reader
@@ -85,6 +90,30 @@ const Box *find(const QList<Box> &boxes, const char *type)
     return nullptr;
 }
 
+// The first sample entry: its kind, and what the archive must know of it.
+void readSampleEntry(Reader &reader, const Box &stsd, Track &track)
+{
+    const qint64 entry = stsd.start + 8; // after version, flags and the count
+    const QByteArray head = reader.readAt(entry, 8 + 78);
+    const qint64 entrySize = u32(head, 0);
+    track.sampleEntry = head.mid(4, 4);
+    if (track.sampleEntry == "avc1" || track.sampleEntry == "avc3") {
+        // A visual sample entry has 78 bytes of its own before its boxes.
+        const qint64 end = qMin(entry + entrySize, stsd.start + stsd.size);
+        if (const Box *avcC = find(reader.children(entry + 8 + 78, end), "avcC")) {
+            const QByteArray configuration = reader.readAt(avcC->start, 4);
+            if (configuration.size() == 4) {
+                track.avcProfile = quint8(configuration.at(1));
+                track.avcLevel = quint8(configuration.at(3));
+            }
+        }
+    } else if (head.size() >= 8 + 28) {
+        // An audio sample entry: channels at 16, the rate in 16.16 at 24.
+        track.channels = qFromBigEndian<quint16>(head.constData() + 8 + 16);
+        track.sampleRate = int(u32(head, 8 + 24) >> 16);
+    }
+}
+
 void readTrack(Reader &reader, const Box &trak, QHash<quint32, Track> &tracks)
 {
     const QList<Box> parts = reader.children(trak.start, trak.start + trak.size);
@@ -116,9 +145,15 @@ void readTrack(Reader &reader, const Box &trak, QHash<quint32, Track> &tracks)
         return;
     const QList<Box> table = reader.children(stbl->start, stbl->start + stbl->size);
     if (const Box *stsd = find(table, "stsd"))
-        track.sampleEntry = reader.readAt(stsd->start + 12, 4);
+        readSampleEntry(reader, *stsd, track);
     if (const Box *stsz = find(table, "stsz"))
         track.samples = u32(reader.readAt(stsz->start, 12), 8);
+    const Box *stco = find(table, "stco");
+    const Box *co64 = find(table, "co64");
+    if (track.samples > 0 && stco)
+        track.firstSample = u32(reader.readAt(stco->start, 12), 8);
+    else if (track.samples > 0 && co64)
+        track.firstSample = qint64(u64(reader.readAt(co64->start, 16), 8));
 }
 
 void readFragment(Reader &reader, const Box &moof, QHash<quint32, Track> &tracks)
@@ -128,6 +163,7 @@ void readFragment(Reader &reader, const Box &moof, QHash<quint32, Track> &tracks
             continue;
         quint32 id = 0;
         quint32 defaultDuration = 0;
+        qint64 base = moof.start - 8;
         for (const Box &part : reader.children(traf.start, traf.start + traf.size)) {
             const QByteArray data = reader.readAt(part.start, qMin<qint64>(part.size, 1 << 20));
             const quint32 flags = u32(data, 0) & 0xffffff;
@@ -139,9 +175,13 @@ void readFragment(Reader &reader, const Box &moof, QHash<quint32, Track> &tracks
                 if (flags & 0x2)
                     at += 4; // sample description index
                 defaultDuration = (flags & 0x8) ? u32(data, at) : tracks.value(id).defaultDuration;
+                // Offsets count from the fragment's start unless told otherwise.
+                base = (flags & 0x1) ? qint64(u64(data, 8)) : moof.start - 8;
             } else if (part.type == "trun" && tracks.contains(id)) {
                 Track &track = tracks[id];
                 const quint32 count = u32(data, 4);
+                if (track.firstSample < 0 && count > 0 && (flags & 0x1))
+                    track.firstSample = base + qint32(u32(data, 8));
                 track.samples += count;
                 if (flags & 0x100) {
                     int at = 8 + ((flags & 0x1) ? 4 : 0) + ((flags & 0x4) ? 4 : 0);
@@ -196,6 +236,16 @@ Mp4Summary Mp4Summary::read(const QString &path)
             readFragment(reader, box, tracks);
         }
     }
+    for (Track &track : tracks) {
+        // An MP4 says two channels for MP3 whatever it holds; the first
+        // frame's header says what it is.
+        if (track.handler == "soun" && track.firstSample >= 0) {
+            const QByteArray frame = reader.readAt(track.firstSample, 4);
+            if (frame.size() == 4 && quint8(frame.at(0)) == 0xff && (quint8(frame.at(1)) & 0xe0) == 0xe0
+                && (quint8(frame.at(1)) & 0x06) == 0x02)
+                track.channels = ((quint8(frame.at(3)) >> 6) == 3) ? 1 : 2;
+        }
+    }
     for (const Track &track : std::as_const(tracks)) {
         if (track.handler == "vide" && !summary.valid) {
             summary.valid = track.width > 0 && track.height > 0;
@@ -203,9 +253,14 @@ Mp4Summary Mp4Summary::read(const QString &path)
             summary.height = track.height;
             summary.videoFrames = track.samples;
             summary.videoSeconds = track.timescale ? double(track.duration) / track.timescale : 0;
+            summary.videoCodec = QString::fromLatin1(track.sampleEntry);
+            summary.avcProfile = track.avcProfile;
+            summary.avcLevel = track.avcLevel;
         } else if (track.handler == "soun") {
             summary.hasAudio = true;
             summary.audioCodec = QString::fromLatin1(track.sampleEntry);
+            summary.audioChannels = track.channels;
+            summary.audioSampleRate = track.sampleRate;
         }
     }
     if (!summary.valid)
