@@ -1,8 +1,10 @@
 // Movies and snapshots on their way to the archive. The queue lives on disk
 // and survives a restart or a crash; each object is built once, kept in the
 // outbox until the archive has it, and sent again as the same object after
-// a failure, so the archive gets it exactly once. Sending runs on a thread
-// of its own at the lowest priority; the recorded file is only read.
+// a failure, so the archive gets it exactly once. What the archive refuses
+// is not sent again by itself: it fails, with the archive's reason, and
+// waits for the user. Sending runs on a thread of its own at the lowest
+// priority; the recorded file is only read.
 #pragma once
 
 #include <QDateTime>
@@ -21,7 +23,7 @@ class ArchiveQueue final : public QObject
     Q_OBJECT
 
 public:
-    enum class State { NotSent, Waiting, Sending, Sent, Failed };
+    enum class State { NotSent, Waiting, Sending, Sent, Failed, NeedsPatientId };
     Q_ENUM(State)
 
     // `folder` holds the queue file and the outbox.
@@ -30,9 +32,16 @@ public:
 
     // Queues a recorded file with what the archive must know of it. A file
     // already waiting or sent is not queued twice; a failed one is tried
-    // again.
+    // again, and one that waited for its patient's ID takes the context
+    // given now. A case without a patient ID is kept, never sent.
     void add(const QString &file, const ObjectContext &context);
+    // The file is gone or no longer to be sent: it leaves the queue and its
+    // object the outbox. One being sent leaves once its send has ended.
+    void withdraw(const QString &file);
     State state(const QString &file, QString *reason = nullptr) const;
+    // What the queue holds for the file (for the browser's tip); false when
+    // it is not queued.
+    bool context(const QString &file, ObjectContext *context) const;
     static QString stateText(State state);
     int waitingCount() const;
 
@@ -40,14 +49,22 @@ public:
     void rememberPicture(const QString &file, const ObjectContext &context);
     bool knownPicture(const QString &file, ObjectContext *context) const;
 
-    // Retry the waiting ones now (the settings changed, or the user asked).
+    // The program is ending: files are still queued, none is sent any more.
+    void stopSending() { stopped = true; }
+
+    // Retry the waiting ones now, and those the archive refused before
+    // anything was sent: the settings have changed.
     void retryNow();
+
+    // Room kept free on the outbox's disk beyond each object: a recording
+    // on the same disk needs it for its next file.
+    static qint64 spareBytes();
 
 signals:
     void stateChanged(const QString &file);
     void progress(const QString &file, qint64 sent, qint64 total);
     // A problem, said once: the archive unreachable (until it answers
-    // again), or a file that cannot be sent.
+    // again), a file that cannot be sent, a queue that cannot be saved.
     void problem(const QString &message);
 
 private:
@@ -58,14 +75,19 @@ private:
         ObjectContext context;
         State state = State::Waiting;
         QString reason;
+        bool refusedBySettings = false;
+        bool withdrawn = false; // deleted while being sent
         int attempts = 0;
         QDateTime nextTry;
     };
 
     void load();
-    void save() const;
+    // Writes the queue; once it is on disk, removes `removeAfter` (an object
+    // the queue no longer needs), or says that it could not be written.
+    void save(const QString &removeAfter = QString());
     void dispatch();
-    void finished(const QString &file, const QString &objectFile, const QString &error, bool lasting);
+    void finished(const QString &file, const QString &objectFile, const StoreOutcome &outcome);
+    void drop(const QString &file);
     Item *itemOf(const QString &file);
     const Item *itemOf(const QString &file) const;
 
@@ -79,4 +101,6 @@ private:
     QTimer retryTimer;
     bool busy = false;
     bool unreachableSaid = false;
+    bool saveFailureSaid = false;
+    bool stopped = false;
 };

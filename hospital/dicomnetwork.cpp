@@ -11,6 +11,7 @@
 #include <dcmtk/oflog/oflog.h>
 
 #include "app/orvixlogging.h"
+#include "hospital/dicomtext.h"
 
 namespace {
 
@@ -87,9 +88,18 @@ public:
 
     ~Association()
     {
-        if (scu.isConnected())
-            scu.releaseAssociation();
+        if (scu.isConnected()) {
+            if (failed)
+                scu.abortAssociation();
+            else
+                scu.releaseAssociation();
+        }
     }
+
+    // After a failed exchange the peer may be in any state: no release.
+    void abort() { failed = true; }
+    // The peer answered and said no, to this station or to what it offered.
+    bool refused() const { return refusal; }
 
     // Opens the association for one abstract syntax; the presentation
     // context's id, or 0 with `error` said.
@@ -114,12 +124,15 @@ public:
             condition = scu.negotiateAssociation();
         if (condition.bad()) {
             *error = describe(node, condition, timeout);
+            refusal = condition == DUL_ASSOCIATIONREJECTED;
             qCWarning(lcHospital) << node.display() << condition.text();
             return 0;
         }
         const T_ASC_PresentationContextID id = scu.findPresentationContextID(abstractSyntax, transferSyntax ? transferSyntax : "");
-        if (id == 0)
+        if (id == 0) {
             *error = QStringLiteral("%1 answered but does not offer %2.").arg(node.display(), what);
+            refusal = true;
+        }
         return id;
     }
 
@@ -128,6 +141,8 @@ public:
 private:
     DicomNode node;
     int timeout;
+    bool failed = false;
+    bool refusal = false;
 };
 
 void putString(DcmItem *item, const DcmTagKey &tag, const QString &value)
@@ -146,14 +161,7 @@ QString stringOf(DcmItem *item, const DcmTagKey &tag)
 
 QString WorklistEntry::readableName() const
 {
-    const QStringList parts = patientName.split(QLatin1Char('^'));
-    const QString family = parts.value(0).trimmed();
-    const QString given = parts.value(1).trimmed();
-    if (given.isEmpty())
-        return family;
-    if (family.isEmpty())
-        return given;
-    return family + QStringLiteral(", ") + given;
+    return DicomText::readableName(patientName);
 }
 
 namespace DicomNetwork {
@@ -166,8 +174,10 @@ QString echo(const DicomNode &node, int timeoutSeconds)
     if (id == 0)
         return error;
     const OFCondition condition = association.scu.sendECHORequest(id);
-    if (condition.bad())
+    if (condition.bad()) {
+        association.abort();
         return describe(node, condition, timeoutSeconds);
+    }
     return QString();
 }
 
@@ -185,8 +195,9 @@ QList<WorklistEntry> findWorklist(const DicomNode &node, const WorklistQuery &qu
     keys.putAndInsertString(DCM_SpecificCharacterSet, "ISO_IR 192");
     const QString name = query.patientName.trimmed();
     putString(&keys, DCM_PatientName, name.isEmpty() ? QString() : name + QLatin1Char('*'));
-    for (const DcmTagKey &tag : { DCM_PatientID, DCM_AccessionNumber, DCM_StudyInstanceUID,
-                                  DCM_RequestedProcedureDescription, DCM_RequestedProcedureID })
+    for (const DcmTagKey &tag : { DCM_PatientID, DCM_IssuerOfPatientID, DCM_PatientBirthDate, DCM_PatientSex,
+                                  DCM_AccessionNumber, DCM_StudyInstanceUID, DCM_RequestedProcedureDescription,
+                                  DCM_RequestedProcedureID })
         keys.insertEmptyElement(tag);
     DcmItem *step = nullptr;
     keys.findOrCreateSequenceItem(DCM_ScheduledProcedureStepSequence, step, -2);
@@ -199,16 +210,35 @@ QList<WorklistEntry> findWorklist(const DicomNode &node, const WorklistQuery &qu
     OFList<QRResponse *> responses;
     const OFCondition condition = association.scu.sendFINDRequest(id, &keys, &responses);
     Uint16 finalStatus = STATUS_Success;
+    int unreadable = 0;
+    QString unreadableCharacterSet;
     for (QRResponse *response : responses) {
         if (!DICOM_PENDING_STATUS(response->m_status))
             finalStatus = response->m_status;
         DcmDataset *found = response->m_dataset;
         if (found && DICOM_PENDING_STATUS(response->m_status)) {
-            if (found->convertToUTF8().bad())
-                qCWarning(lcHospital) << "a worklist answer in a character set that cannot be read";
+            if (found->convertToUTF8().bad()) {
+                // A name read in the wrong character set is another name:
+                // such an entry is left out, and said.
+                OFString characterSet;
+                found->findAndGetOFStringArray(DCM_SpecificCharacterSet, characterSet);
+                qCWarning(lcHospital) << "a worklist answer in a character set that cannot be read:" << characterSet.c_str();
+                ++unreadable;
+                unreadableCharacterSet = QString::fromLatin1(characterSet.c_str());
+                delete response;
+                continue;
+            }
             WorklistEntry entry;
             entry.patientName = stringOf(found, DCM_PatientName);
             entry.patientId = stringOf(found, DCM_PatientID);
+            entry.issuerOfPatientId = stringOf(found, DCM_IssuerOfPatientID);
+            entry.patientBirthDate = stringOf(found, DCM_PatientBirthDate);
+            entry.patientSex = stringOf(found, DCM_PatientSex);
+            if (entry.patientName.contains(QChar::ReplacementCharacter)) {
+                ++unreadable;
+                delete response;
+                continue;
+            }
             entry.accessionNumber = stringOf(found, DCM_AccessionNumber);
             entry.studyInstanceUid = stringOf(found, DCM_StudyInstanceUID);
             entry.requestedProcedure = stringOf(found, DCM_RequestedProcedureDescription);
@@ -219,8 +249,10 @@ QList<WorklistEntry> findWorklist(const DicomNode &node, const WorklistQuery &qu
                                                         QStringLiteral("yyyyMMdd"));
                 const QString time = stringOf(scheduled, DCM_ScheduledProcedureStepStartTime).left(6);
                 entry.scheduledTime = QTime::fromString(time.leftJustified(6, QLatin1Char('0')), QStringLiteral("HHmmss"));
+                entry.scheduledStepId = stringOf(scheduled, DCM_ScheduledProcedureStepID);
+                entry.scheduledStepDescription = stringOf(scheduled, DCM_ScheduledProcedureStepDescription);
                 if (entry.requestedProcedure.isEmpty())
-                    entry.requestedProcedure = stringOf(scheduled, DCM_ScheduledProcedureStepDescription);
+                    entry.requestedProcedure = entry.scheduledStepDescription;
             }
             entries.append(entry);
         }
@@ -234,6 +266,11 @@ QList<WorklistEntry> findWorklist(const DicomNode &node, const WorklistQuery &qu
                      .arg(node.display())
                      .arg(finalStatus, 4, 16, QLatin1Char('0'));
         entries.clear();
+    } else if (unreadable > 0) {
+        *error = QStringLiteral("%1 of the answers are written in a character set this station cannot read (\"%2\") "
+                                "and are not shown. Ask the hospital's IT to check the worklist's character set.")
+                     .arg(unreadable)
+                     .arg(unreadableCharacterSet);
     }
     std::sort(entries.begin(), entries.end(), [](const WorklistEntry &a, const WorklistEntry &b) {
         return a.scheduledTime < b.scheduledTime;
@@ -241,19 +278,56 @@ QList<WorklistEntry> findWorklist(const DicomNode &node, const WorklistQuery &qu
     return entries;
 }
 
-QString store(const DicomNode &node, const QString &dicomFile, const std::function<void(qint64)> &progress,
-              int timeoutSeconds)
+QString storeStatusText(quint16 status)
 {
+    const QString code = QStringLiteral("status 0x%1").arg(status, 4, 16, QLatin1Char('0'));
+    QString words;
+    if (status == 0x0001 || status == 0x0107)
+        words = QStringLiteral("some attributes of the object were not taken");
+    else if (status == 0x0116)
+        words = QStringLiteral("a value of the object was out of range");
+    else if (status == 0xb000)
+        words = QStringLiteral("the archive changed some values of the object");
+    else if (status == 0xb006)
+        words = QStringLiteral("the archive left some elements of the object out");
+    else if (status == 0xb007)
+        words = QStringLiteral("the object does not match its kind as the archive knows it");
+    else if ((status & 0xf000) == 0xb000)
+        words = QStringLiteral("the archive stored it with a warning");
+    else if ((status & 0xff00) == 0xa700)
+        words = QStringLiteral("the archive is out of resources (full, or busy)");
+    else if ((status & 0xff00) == 0xa900)
+        words = QStringLiteral("the archive says the object does not match its kind");
+    else if ((status & 0xf000) == 0xc000)
+        words = QStringLiteral("the archive cannot understand the object, or refused it");
+    else if (status == 0x0122)
+        words = QStringLiteral("the archive does not take this kind of object");
+    else if (status == 0x0124)
+        words = QStringLiteral("this station is not allowed to store there");
+    else if (status == 0x0111)
+        words = QStringLiteral("the archive already has this object");
+    else if (status == 0x0110)
+        words = QStringLiteral("the archive failed while processing the object");
+    else
+        words = QStringLiteral("the archive refused the object");
+    return QStringLiteral("%1 (%2)").arg(words, code);
+}
+
+StoreOutcome store(const DicomNode &node, const QString &dicomFile, const std::function<void(qint64)> &progress,
+                   int timeoutSeconds)
+{
+    using Kind = StoreOutcome::Kind;
     quietToolkit();
     // Only the header is read here; the pixel data stays on disk until sent.
     DcmFileFormat file;
     OFCondition condition = file.loadFile(dicomFile.toLocal8Bit().constData(), EXS_Unknown, EGL_noChange, 4096,
                                           ERM_metaOnly);
-    if (condition.bad())
-        return QStringLiteral("%1 cannot be read: %2").arg(dicomFile, QString::fromLocal8Bit(condition.text()));
     OFString sopClass, transferSyntax;
     file.getMetaInfo()->findAndGetOFString(DCM_MediaStorageSOPClassUID, sopClass);
     file.getMetaInfo()->findAndGetOFString(DCM_TransferSyntaxUID, transferSyntax);
+    if (condition.bad() || sopClass.empty() || transferSyntax.empty())
+        return { Kind::Unreadable,
+                 QStringLiteral("%1 cannot be read: %2").arg(dicomFile, QString::fromLocal8Bit(condition.text())) };
 
     Association association(node, timeoutSeconds);
     // An archive answers a store once the object is on its disk: a large
@@ -263,17 +337,40 @@ QString store(const DicomNode &node, const QString &dicomFile, const std::functi
     association.scu.progress = progress;
     QString error;
     const T_ASC_PresentationContextID id = association.open(
-        sopClass.c_str(), QStringLiteral("storage of this kind of object in this transfer syntax"), &error,
-        transferSyntax.c_str());
-    if (id == 0)
-        return error;
+        sopClass.c_str(), QStringLiteral("storage of this kind of object in this transfer syntax (%1)").arg(transferSyntax.c_str()),
+        &error, transferSyntax.c_str());
+    if (id == 0) {
+        // A refusal of this station or of the object's kind stays a refusal;
+        // a node that does not answer may answer later.
+        if (association.refused()) {
+            StoreOutcome outcome { Kind::Lasting, error };
+            outcome.refusedBySettings = true;
+            return outcome;
+        }
+        return { Kind::Transient, error };
+    }
     Uint16 status = 0;
     condition = association.scu.sendSTORERequest(id, dicomFile.toLocal8Bit().constData(), nullptr, status);
-    if (condition.bad())
-        return describe(node, condition, answerSeconds);
-    if (status != STATUS_Success && (status & 0xf000) != 0xb000)
-        return QStringLiteral("%1 did not store the object (status 0x%2).").arg(node.display()).arg(status, 4, 16, QLatin1Char('0'));
-    return QString();
+    if (condition.bad()) {
+        association.abort();
+        return { Kind::Transient, describe(node, condition, answerSeconds) };
+    }
+    return storeOutcome(status, node.display());
+}
+
+StoreOutcome storeOutcome(quint16 status, const QString &archive)
+{
+    using Kind = StoreOutcome::Kind;
+    if (status == STATUS_Success)
+        return {};
+    // The same instance sent again after an answer that never came: the
+    // archive has it.
+    if (DICOM_WARNING_STATUS(status) || status == 0x0111)
+        return { Kind::Stored, storeStatusText(status) };
+    const QString refused = QStringLiteral("%1: %2").arg(archive, storeStatusText(status));
+    if ((status & 0xff00) == 0xa700)
+        return { Kind::Transient, refused };
+    return { Kind::Lasting, refused };
 }
 
 } // namespace DicomNetwork

@@ -21,6 +21,11 @@ struct WorklistEntry
     QString studyInstanceUid;
     QString requestedProcedure;
     QString requestedProcedureId;
+    QString scheduledStepId;
+    QString scheduledStepDescription;
+    QString patientBirthDate; // as the worklist says it, "yyyyMMdd"
+    QString patientSex;
+    QString issuerOfPatientId;
     QDate scheduledDate;
     QTime scheduledTime;
 
@@ -37,6 +42,26 @@ struct WorklistQuery
     QString patientName; // optional; matched from its start, case as stored
 };
 
+// How a store ended, sorted by what the program must do next.
+struct StoreOutcome
+{
+    enum class Kind {
+        Stored,     // the archive has it; `text` holds its warning, if any
+        Transient,  // not reached, timed out, out of resources: try again later
+        Lasting,    // refused: trying the same again would be refused again
+        Unreadable, // the object on this computer cannot be read
+    };
+    Kind kind = Kind::Stored;
+    QString text;
+    // The archive refused this station or this kind of object before
+    // anything was sent: different settings may change its answer.
+    bool refusedBySettings = false;
+
+    bool stored() const { return kind == Kind::Stored; }
+};
+
+Q_DECLARE_METATYPE(StoreOutcome)
+
 namespace DicomNetwork {
 constexpr int defaultTimeoutSeconds = 10;
 
@@ -48,8 +73,13 @@ QList<WorklistEntry> findWorklist(const DicomNode &node, const WorklistQuery &qu
                                   int timeoutSeconds = defaultTimeoutSeconds);
 
 // Sends one DICOM file (C-STORE) in the transfer syntax it is written in.
-// `progress` hears the bytes sent so far. Empty on success.
-QString store(const DicomNode &node, const QString &dicomFile,
-              const std::function<void(qint64 sent)> &progress = {},
-              int timeoutSeconds = defaultTimeoutSeconds);
+// `progress` hears the bytes sent so far.
+StoreOutcome store(const DicomNode &node, const QString &dicomFile,
+                   const std::function<void(qint64 sent)> &progress = {},
+                   int timeoutSeconds = defaultTimeoutSeconds);
+// A C-STORE status in words, for the person at the computer.
+QString storeStatusText(quint16 status);
+// What an archive's C-STORE status means for the file: stored (perhaps with
+// a warning), try again later (out of resources), or refused.
+StoreOutcome storeOutcome(quint16 status, const QString &archive);
 } // namespace DicomNetwork

@@ -10,6 +10,7 @@
 #include <QFile>
 
 #include <cerrno>
+#include <cstring>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
@@ -35,6 +36,19 @@ void lowerCurrentThread()
     lowerThread(currentThreadId(), backgroundNice);
 #else
     QThread::currentThread()->setPriority(QThread::LowestPriority);
+#endif
+}
+
+void lowerCurrentThreadDiskPriority()
+{
+#ifdef Q_OS_LINUX
+    // ioprio_set(IOPRIO_WHO_PROCESS, this thread, IOPRIO_CLASS_IDLE): the
+    // idle class takes the disk only when nobody else wants it.
+    constexpr int whoProcess = 1;
+    constexpr int classIdle = 3;
+    constexpr int classShift = 13;
+    if (syscall(SYS_ioprio_set, whoProcess, int(currentThreadId()), classIdle << classShift) != 0)
+        qWarning("the disk priority of a background thread cannot be lowered: %s", strerror(errno));
 #endif
 }
 

@@ -7,6 +7,10 @@
 // Lowers the calling thread. Qt's thread priorities do nothing under
 // Linux's normal scheduler, so there the thread's own nice value is raised.
 void lowerCurrentThread();
+// Puts the calling thread's disk reads and writes behind everyone else's,
+// so that gigabytes copied never hold up a recording's writes. Does nothing
+// where that cannot be done.
+void lowerCurrentThreadDiskPriority();
 
 // The threads of this process that share the calling thread's name, the
 // calling thread left out. Threads started by a library take the name of
