@@ -27,6 +27,7 @@
 #include "capture/orvixdevicewatchdogtask.h"
 #include "capture/recordingelements.h"
 #include "capture/streamingthreads.h"
+#include "hospital/archivequeue.h"
 #include "tasks/orvixtaskscheduler.h"
 #include "widgets/animationlabel.h"
 #include "widgets/orvixvideowidget.h"
@@ -74,7 +75,13 @@ MainWindow::~MainWindow()
 {
     // The application and its display go soon after the window.
     StreamingThreads::keepSpareThreadsFromNowOn();
+    // The movie being recorded ends with the window; its fragments are on
+    // disk, and the archive gets it as it gets every finished movie.
+    const QString lastMovie = !recordingMoviePath.isEmpty() ? recordingMoviePath : finishingMoviePath;
     deletePipeline();
+    archiveQueue->stopSending();
+    if (!lastMovie.isEmpty() && !removeEmptyMovie(lastMovie, false))
+        movieFinished(lastMovie);
     RecordingElements::stopFeedingSilence();
     deleteAudioSource();
     captureSession.setVideoSink(nullptr);

@@ -44,6 +44,7 @@ class QProgressBar;
 class WorklistDialog;
 class QCamera;
 class QFrame;
+class QGridLayout;
 class QHBoxLayout;
 class QIODevice;
 class QLabel;
@@ -448,13 +449,25 @@ private:
     WorklistEntry chosenWorklistEntry;
     QString chosenWorklistName;  // what the entry put into the patient field
     QString typedCaseStudyUid;   // the study of a patient typed by hand
-    QString typedCasePatient;
+    QString caseKey;             // the patient, ID and day the study belongs to
+    QDateTime caseStarted;       // the study's one date and time
+    QLabel *patientIdLabel = nullptr;
+    QLineEdit *patientIdField = nullptr; // the patient's ID, for the archive
+    QString livePatientId;       // put aside while a stored file is shown
     QString recordingSeriesUid;  // one series per recording, over its files
     int recordingFileNumber = 0; // the current file's number in that series
     void addWorklistButton(QHBoxLayout *headerLayout, QWidget *header);
     void wireWorklistButton();
     void updateWorklistButton();
     void forgetWorklistEntryIfRenamed(const QString &patient);
+    void addPatientIdField(QGridLayout *grid, QWidget *body);
+    void updatePatientIdField();
+    QString livePatientIdText() const;
+    void showArchivedPatientId();
+    void saveBrowsedPatientId();
+    void updateArchiveButton();
+    QString archiveSummary(const QString &file) const;
+    bool isBeingRecorded(const QString &file) const;
     ArchiveQueue *archiveQueue = nullptr;
     QPushButton *archiveSendButton = nullptr;
     QProgressBar *archiveProgress = nullptr;
@@ -466,6 +479,7 @@ private:
     ObjectContext movieContext(const QString &moviePath) const;
     ObjectContext snapshotContext();
     void movieFinished(const QString &moviePath);
+    void queueUnsentMovies();
     void snapshotKept(const QString &picturePath);
     void showArchiveProgress(const QString &file, qint64 sent, qint64 total);
     void showArchiveProblem(const QString &message);

@@ -2,9 +2,13 @@
 // recording its patient; the archive settings live in a dialog of their own.
 #include "mainwindow.h"
 
+#include <QDir>
 #include <QEvent>
 #include <QFileInfo>
+#include <QGridLayout>
+#include <QItemSelectionModel>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListView>
 #include <QMessageBox>
@@ -15,9 +19,11 @@
 
 #include "app/orvixlogging.h"
 #include "hospital/archivequeue.h"
+#include "hospital/dicomtext.h"
 #include "storage/orvixstoragemodel.h"
 #include "storage/recordinginformation.h"
 #include "storage/storagepaths.h"
+#include "mainwindow/panelstyles.h"
 #include "widgets/archivestatedelegate.h"
 #include "widgets/hospitalsettingsdialog.h"
 #include "widgets/worklistdialog.h"
@@ -54,9 +60,47 @@ void MainWindow::wireWorklistButton()
 
 bool MainWindow::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == informationFields[patientField] && event->type() == QEvent::EnabledChange)
+    if (watched == informationFields[patientField] && event->type() == QEvent::EnabledChange) {
         updateWorklistButton();
+        updatePatientIdField();
+    }
     return QMainWindow::eventFilter(watched, event);
+}
+
+void MainWindow::addPatientIdField(QGridLayout *grid, QWidget *body)
+{
+    // Below the designed fields, and only where an archive is set up: an
+    // archive tells patients apart by their ID, never by their name.
+    patientIdLabel = new QLabel(tr("Patient ID"), body);
+    patientIdLabel->setObjectName(QStringLiteral("InformationPatientIdLabel"));
+    patientIdLabel->setStyleSheet(PanelStyles::informationLabel(patientIdLabel->objectName()));
+    patientIdField = new QLineEdit(body);
+    patientIdField->setObjectName(QStringLiteral("InformationPatientIdEdit"));
+    patientIdField->setStyleSheet(PanelStyles::informationField(QStringLiteral("QLineEdit"), patientIdField->objectName()));
+    patientIdField->setToolTip(tr("The patient's ID in the hospital, for the archive. Filled in by the worklist; "
+                                  "type it for a patient who is not on the worklist."));
+    patientIdField->setMaxLength(DicomText::longString);
+    patientIdField->setAttribute(Qt::WA_MacShowFocusRect, false);
+    grid->addWidget(patientIdLabel, 7, 0);
+    grid->addWidget(patientIdField, 7, 1);
+    setTabOrder(informationFields[patientField], patientIdField);
+}
+
+void MainWindow::updatePatientIdField()
+{
+    if (!patientIdField)
+        return;
+    const bool shown = HospitalSettings::node(HospitalSettings::Role::Archive).isComplete();
+    patientIdLabel->setVisible(shown);
+    patientIdField->setVisible(shown);
+    patientIdField->setEnabled(informationFields[patientField]->isEnabled());
+    // The worklist's patient keeps the worklist's ID.
+    patientIdField->setReadOnly(liveInformationShown && !chosenWorklistEntry.studyInstanceUid.isEmpty());
+}
+
+QString MainWindow::livePatientIdText() const
+{
+    return (liveInformationShown ? patientIdField->text() : livePatientId).trimmed();
 }
 
 void MainWindow::updateWorklistButton()
@@ -76,6 +120,10 @@ void MainWindow::forgetWorklistEntryIfRenamed(const QString &patient)
     qCInfo(lcHospital) << "worklist entry dropped: the patient field now reads" << patient;
     chosenWorklistEntry = WorklistEntry();
     chosenWorklistName.clear();
+    // Another patient's name with the worklist patient's ID would be a
+    // wrong patient in the archive.
+    patientIdField->clear();
+    updatePatientIdField();
 }
 
 HospitalSettingsDialog *MainWindow::hospitalSettingsDialog() const
@@ -90,8 +138,13 @@ WorklistDialog *MainWindow::worklistDialog() const
 
 void MainWindow::showHospitalSettings()
 {
-    if (!hospitalDialog)
+    if (!hospitalDialog) {
         hospitalDialog = new HospitalSettingsDialog(this);
+        connect(hospitalDialog, &QDialog::accepted, this, [this] {
+            updatePatientIdField();
+            archiveQueue->retryNow();
+        });
+    }
     hospitalDialog->show();
     hospitalDialog->raise();
     hospitalDialog->activateWindow();
@@ -120,6 +173,8 @@ void MainWindow::chooseFromWorklist()
         chosenWorklistName = entry.readableName();
         chosenWorklistEntry = entry;
         setInformationText(patientField, chosenWorklistName);
+        patientIdField->setText(entry.patientId);
+        updatePatientIdField();
         qCInfo(lcHospital) << "worklist entry chosen:" << entry.patientId << entry.studyInstanceUid;
     });
     worklistBox->open();
@@ -127,20 +182,35 @@ void MainWindow::chooseFromWorklist()
 
 CaseInformation MainWindow::liveCase()
 {
+    // While a stored file is shown the panel holds that file's texts, never
+    // the live case's.
+    const RecordingInformation live = liveRecordingInformation();
     CaseInformation information;
+    QString key;
     if (!chosenWorklistEntry.studyInstanceUid.isEmpty()) {
         information.worklist = chosenWorklistEntry;
+        information.scheduled = true;
         information.studyInstanceUid = chosenWorklistEntry.studyInstanceUid;
+        key = QStringLiteral("worklist|") + chosenWorklistEntry.studyInstanceUid;
     } else {
-        // The same patient typed by hand stays one study, a new one begins another.
-        const QString patient = informationText(patientField);
-        if (typedCaseStudyUid.isEmpty() || patient != typedCasePatient) {
-            typedCaseStudyUid = DicomUid::make();
-            typedCasePatient = patient;
+        const QString id = livePatientIdText();
+        information.worklist.patientName = DicomText::personName(live.patient);
+        information.worklist.patientId = id;
+        // A patient typed by hand is one study for the day; another name,
+        // another ID or another day begins another. Nobody is no study.
+        if (!live.patient.trimmed().isEmpty() || !id.isEmpty()) {
+            key = QStringLiteral("typed|%1|%2|%3")
+                          .arg(information.worklist.patientName, id, QDate::currentDate().toString(Qt::ISODate));
+            if (key != caseKey)
+                typedCaseStudyUid = DicomUid::make();
+            information.studyInstanceUid = typedCaseStudyUid;
         }
-        information.worklist.patientName = patient;
-        information.studyInstanceUid = typedCaseStudyUid;
     }
+    if (key != caseKey) {
+        caseKey = key;
+        caseStarted = QDateTime::currentDateTime();
+    }
+    information.studyStarted = caseStarted;
     information.seriesInstanceUid = recordingSeriesUid;
     information.instanceNumber = recordingFileNumber;
     return information;
@@ -150,11 +220,13 @@ void MainWindow::setupArchive(QHBoxLayout *headerLayout, QWidget *header, QVBoxL
 {
     archiveQueue = new ArchiveQueue(
             QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + QStringLiteral("/archive"), this);
-    thumbnailView->setItemDelegate(new ArchiveStateDelegate(archiveQueue, thumbnailView));
+    thumbnailView->setItemDelegate(new ArchiveStateDelegate(
+            archiveQueue, [this](const QString &file) { return archiveSummary(file); }, thumbnailView));
     connect(archiveQueue, &ArchiveQueue::stateChanged, this, [this](const QString &file) {
         thumbnailView->viewport()->update();
         if (archiveQueue->state(file) != ArchiveQueue::State::Sending)
             archiveProgress->hide();
+        updateArchiveButton();
     });
     connect(archiveQueue, &ArchiveQueue::progress, this, &MainWindow::showArchiveProgress);
     connect(archiveQueue, &ArchiveQueue::problem, this, &MainWindow::showArchiveProblem);
@@ -176,11 +248,18 @@ void MainWindow::setupArchive(QHBoxLayout *headerLayout, QWidget *header, QVBoxL
     archiveProgress->setStyleSheet(QStringLiteral("QProgressBar#ArchiveProgressBar {color: white; }"));
     archiveProgress->hide();
     bodyLayout->addWidget(archiveProgress);
+    connect(thumbnailView->selectionModel(), &QItemSelectionModel::currentChanged, this, &MainWindow::updateArchiveButton);
+    updatePatientIdField();
+    // A movie whose recording the program did not see end (it was closed
+    // or it crashed) is queued now.
+    QTimer::singleShot(0, this, &MainWindow::queueUnsentMovies);
 }
 
 ObjectContext MainWindow::movieContext(const QString &moviePath) const
 {
-    // What was typed before the recording, kept beside it.
+    // What was typed before the recording, kept beside it, with what the
+    // user corrected in the browser on top: what the browser shows is what
+    // goes out.
     const QString informationPath = StoragePaths::recordingInformationPath(moviePath);
     const RecordingInformation typed = RecordingInformation::read(informationPath);
     ObjectContext context;
@@ -192,7 +271,36 @@ ObjectContext MainWindow::movieContext(const QString &moviePath) const
     context.description = typed.fileName;
     const QFileInfo movie(moviePath);
     context.taken = movie.birthTime().isValid() ? movie.birthTime() : movie.lastModified();
-    if (context.study.studyInstanceUid.isEmpty())
+
+    const QString browserPath = StoragePaths::browserInformationPath(moviePath);
+    if (browserPath != informationPath && QFileInfo::exists(browserPath)) {
+        // The browser shows its own file, empty until first saved: a field
+        // left empty there corrects nothing.
+        const RecordingInformation shown = RecordingInformation::read(browserPath);
+        const CaseInformation corrected = CaseInformation::read(browserPath);
+        auto take = [](QString &kept, const QString &correction) {
+            if (!correction.trimmed().isEmpty())
+                kept = correction;
+        };
+        take(context.doctor, shown.doctor);
+        take(context.hospital, shown.hospital);
+        take(context.description, shown.fileName);
+        const QString patient = shown.patient.trimmed().isEmpty() ? typed.patient : shown.patient;
+        const QString id = corrected.worklist.patientId;
+        if (patient != typed.patient || id != context.study.worklist.patientId) {
+            // Another patient: nothing of the worklist's case stays with it.
+            CaseInformation other;
+            other.worklist.patientName = DicomText::personName(patient);
+            other.worklist.patientId = id;
+            other.studyInstanceUid = corrected.studyInstanceUid;
+            other.studyStarted = context.taken;
+            other.seriesInstanceUid = context.study.seriesInstanceUid;
+            other.instanceNumber = context.study.instanceNumber;
+            context.study = other;
+            context.patientName = patient;
+        }
+    }
+    if (context.study.hasPatientId() && context.study.studyInstanceUid.isEmpty())
         context.study.studyInstanceUid = DicomUid::make();
     if (context.study.seriesInstanceUid.isEmpty())
         context.study.seriesInstanceUid = DicomUid::make();
@@ -203,7 +311,7 @@ ObjectContext MainWindow::snapshotContext()
 {
     ObjectContext context;
     context.study = liveCase();
-    if (snapshotStudyUid != context.study.studyInstanceUid) {
+    if (snapshotStudyUid != context.study.studyInstanceUid || snapshotSeriesUid.isEmpty()) {
         snapshotStudyUid = context.study.studyInstanceUid;
         snapshotSeriesUid = DicomUid::make();
         snapshotInstance = 0;
@@ -211,9 +319,10 @@ ObjectContext MainWindow::snapshotContext()
     context.study.seriesInstanceUid = snapshotSeriesUid;
     context.seriesNumber = 2;
     context.instanceNumber = ++snapshotInstance;
-    context.patientName = informationText(patientField);
-    context.doctor = informationText(2);
-    context.hospital = informationText(4);
+    const RecordingInformation live = liveRecordingInformation();
+    context.patientName = live.patient;
+    context.doctor = live.doctor;
+    context.hospital = live.hospital;
     context.description = tr("Snapshots");
     context.taken = QDateTime::currentDateTime();
     return context;
@@ -221,16 +330,99 @@ ObjectContext MainWindow::snapshotContext()
 
 void MainWindow::movieFinished(const QString &moviePath)
 {
-    if (moviePath.isEmpty() || !QFileInfo::exists(moviePath) || !HospitalSettings::sendAutomatically())
+    if (moviePath.isEmpty() || !QFileInfo::exists(moviePath) || !HospitalSettings::sendAutomatically()
+        || !HospitalSettings::node(HospitalSettings::Role::Archive).isComplete())
         return;
     archiveQueue->add(moviePath, movieContext(moviePath));
+}
+
+void MainWindow::queueUnsentMovies()
+{
+    if (!HospitalSettings::sendAutomatically() || !HospitalSettings::node(HospitalSettings::Role::Archive).isComplete())
+        return;
+    const QString root = storageRoot();
+    if (root.isEmpty())
+        return;
+    const QDir movies(StoragePaths::join(root, QStringLiteral("Movie")));
+    for (const QFileInfo &movie : movies.entryInfoList({ QStringLiteral("*.mp4") }, QDir::Files, QDir::Time)) {
+        const QString path = movie.absoluteFilePath();
+        if (isBeingRecorded(path) || archiveQueue->state(path) != ArchiveQueue::State::NotSent)
+            continue;
+        // Only movies recorded with the archive's case information, and
+        // only once they hold a picture.
+        if (!CaseInformation::read(StoragePaths::recordingInformationPath(path)).isKnown() || movie.size() < 1024)
+            continue;
+        qCInfo(lcHospital) << "a movie the queue did not know, queued at start:" << path;
+        archiveQueue->add(path, movieContext(path));
+    }
 }
 
 void MainWindow::snapshotKept(const QString &picturePath)
 {
     ObjectContext context;
-    if (HospitalSettings::sendAutomatically() && archiveQueue->knownPicture(picturePath, &context))
+    if (HospitalSettings::sendAutomatically() && HospitalSettings::node(HospitalSettings::Role::Archive).isComplete()
+        && archiveQueue->knownPicture(picturePath, &context))
         archiveQueue->add(picturePath, context);
+}
+
+bool MainWindow::isBeingRecorded(const QString &file) const
+{
+    const QString path = QFileInfo(file).absoluteFilePath();
+    auto same = [&path](const QString &other) { return !other.isEmpty() && QFileInfo(other).absoluteFilePath() == path; };
+    const bool recorderBusy = recorder && recorder->recorderState() != QMediaRecorder::StoppedState;
+    return same(recordingMoviePath) || same(finishingMoviePath) || (recorderBusy && same(lastMovieFile));
+}
+
+QString MainWindow::archiveSummary(const QString &file) const
+{
+    ObjectContext context;
+    const bool picture = DicomObjects::kindOf(file) == DicomObjects::Kind::Picture;
+    const ArchiveQueue::State state = archiveQueue->state(file);
+    bool known = true;
+    if (state == ArchiveQueue::State::Sent || state == ArchiveQueue::State::Sending || picture)
+        known = archiveQueue->context(file, &context) || archiveQueue->knownPicture(file, &context);
+    else
+        context = movieContext(file);
+    if (!known)
+        return tr("Its patient is not known to the archive's settings.");
+    const QString name = DicomText::readableName(
+            DicomText::personName(context.study.worklist.patientName.isEmpty() ? context.patientName
+                                                                              : context.study.worklist.patientName));
+    QStringList lines;
+    lines << tr("Patient: %1").arg(name.isEmpty() ? tr("(no name)") : name)
+          << tr("Patient ID: %1").arg(context.study.hasPatientId() ? context.study.worklist.patientId : tr("none"));
+    if (context.study.fromWorklist())
+        lines << tr("Study: from the worklist, %1").arg(context.study.worklist.requestedProcedure);
+    else if (!context.study.studyInstanceUid.isEmpty())
+        lines << tr("Study: %1").arg(context.study.studyInstanceUid);
+    if (state == ArchiveQueue::State::Sent)
+        lines << tr("The archive keeps what it received; a correction made here does not reach it.");
+    return lines.join(QLatin1Char('\n'));
+}
+
+void MainWindow::updateArchiveButton()
+{
+    if (!archiveSendButton)
+        return;
+    const QModelIndex index = thumbnailView->currentIndex();
+    const QString file = index.isValid()
+            ? index.data(OrvixStorageModel::informationRole).value<OrvixMediaInformation>().fileInfo.absoluteFilePath()
+            : QString();
+    switch (file.isEmpty() ? ArchiveQueue::State::NotSent : archiveQueue->state(file)) {
+    case ArchiveQueue::State::Waiting:
+    case ArchiveQueue::State::NeedsPatientId:
+        archiveSendButton->setText(tr("Cancel sending"));
+        archiveSendButton->setToolTip(tr("Take the selected file out of the archive's queue; it stays on this computer"));
+        break;
+    case ArchiveQueue::State::Failed:
+        archiveSendButton->setText(tr("Send again"));
+        archiveSendButton->setToolTip(tr("Send the selected file to the archive (PACS) once more"));
+        break;
+    default:
+        archiveSendButton->setText(tr("Send"));
+        archiveSendButton->setToolTip(tr("Send the selected movie or snapshot to the archive (PACS)"));
+        break;
+    }
 }
 
 void MainWindow::sendSelectedToArchive()
@@ -247,21 +439,63 @@ void MainWindow::sendSelectedToArchive()
         return;
     }
     const QString file = index.data(OrvixStorageModel::informationRole).value<OrvixMediaInformation>().fileInfo.absoluteFilePath();
-    if (DicomObjects::kindOf(file) == DicomObjects::Kind::Movie) {
-        archiveQueue->add(file, movieContext(file));
+    const QString name = QFileInfo(file).fileName();
+    switch (archiveQueue->state(file)) {
+    case ArchiveQueue::State::Waiting:
+    case ArchiveQueue::State::NeedsPatientId:
+        archiveQueue->withdraw(file);
+        updateArchiveButton();
+        return;
+    case ArchiveQueue::State::Sending:
+        QMessageBox::information(this, tr("Archive"), tr("%1 is being sent now.").arg(name));
+        return;
+    case ArchiveQueue::State::Sent:
+        QMessageBox::information(this, tr("Archive"),
+                                 tr("%1 has been sent. The archive keeps what it received; a correction is made "
+                                    "there.").arg(name));
+        return;
+    default:
+        break;
+    }
+    if (isBeingRecorded(file)) {
+        // Sent now it would be a cut-off copy, and the whole movie never.
+        QMessageBox::information(this, tr("Archive"),
+                                 tr("%1 is still being recorded. It can be sent once its recording has ended.").arg(name));
         return;
     }
     ObjectContext context;
-    if (!archiveQueue->knownPicture(file, &context)) {
+    if (DicomObjects::kindOf(file) == DicomObjects::Kind::Movie) {
+        context = movieContext(file);
+        if (!CaseInformation::read(StoragePaths::recordingInformationPath(file)).isKnown()) {
+            // Recorded before the archive was set up: its patient is only
+            // what was typed, and the user says whether that is right.
+            QMessageBox question(QMessageBox::Question, tr("Archive"),
+                                 tr("%1 was recorded without the archive's case information.\n\n%2\n\nSend it "
+                                    "for this patient?")
+                                         .arg(name, archiveSummary(file)),
+                                 QMessageBox::Yes | QMessageBox::No, this);
+            question.setObjectName(QStringLiteral("ArchiveConfirmPatient"));
+            question.setDefaultButton(QMessageBox::No);
+            if (question.exec() != QMessageBox::Yes)
+                return;
+        }
+    } else if (!archiveQueue->knownPicture(file, &context)) {
         // Without the case it belongs to, a picture could land with the
         // wrong patient.
         QMessageBox::information(this, tr("Archive"),
                                  tr("%1 was not taken with this program's archive settings, so its patient is "
                                     "not known. It is not sent.")
-                                         .arg(QFileInfo(file).fileName()));
+                                         .arg(name));
         return;
     }
     archiveQueue->add(file, context);
+    if (archiveQueue->state(file) == ArchiveQueue::State::NeedsPatientId)
+        QMessageBox::information(this, tr("Archive"),
+                                 tr("%1 has no patient ID, so the archive could not tell its patient from others. "
+                                    "It stays here, marked \"needs a patient ID\": edit its information, enter the "
+                                    "patient's ID and press Send.")
+                                         .arg(name));
+    updateArchiveButton();
 }
 
 void MainWindow::showArchiveProgress(const QString &file, qint64 sent, qint64 total)
@@ -279,4 +513,67 @@ void MainWindow::showArchiveProblem(const QString &message)
 {
     archiveProgress->hide();
     showNotice(archiveNotice, tr("Archive"), QStringLiteral("ArchiveNotice"), message);
+}
+
+void MainWindow::showArchivedPatientId()
+{
+    // The ID a stored file goes to the archive with.
+    if (!patientIdField || liveInformationShown)
+        return;
+    const QModelIndex index = thumbnailView->currentIndex();
+    const QString file = index.isValid()
+            ? index.data(OrvixStorageModel::informationRole).value<OrvixMediaInformation>().fileInfo.absoluteFilePath()
+            : QString();
+    ObjectContext context;
+    if (file.isEmpty())
+        patientIdField->clear();
+    else if (DicomObjects::kindOf(file) == DicomObjects::Kind::Movie)
+        patientIdField->setText(movieContext(file).study.worklist.patientId);
+    else if (archiveQueue->context(file, &context) || archiveQueue->knownPicture(file, &context))
+        patientIdField->setText(context.study.worklist.patientId);
+    else
+        patientIdField->clear();
+    patientIdField->setToolTip(file.isEmpty() ? QString() : archiveSummary(file));
+}
+
+void MainWindow::saveBrowsedPatientId()
+{
+    if (!patientIdField || currentMoviePath.isEmpty())
+        return;
+    // The ID beside the browser's texts; a new patient gets a study of its
+    // own, kept with the correction so that every send of it agrees.
+    const QString browserPath = StoragePaths::browserInformationPath(currentMoviePath);
+    const ObjectContext before = movieContext(currentMoviePath);
+    CaseInformation corrected = CaseInformation::read(browserPath);
+    corrected.worklist.patientId = patientIdField->text().trimmed();
+    corrected.studyInstanceUid.clear();
+    corrected.write(browserPath);
+    ObjectContext after = movieContext(currentMoviePath);
+    if (!after.study.fromWorklist()) {
+        const bool samePatient = after.study.worklist.patientName == before.study.worklist.patientName
+                && after.study.worklist.patientId == before.study.worklist.patientId && !before.study.fromWorklist();
+        corrected.studyInstanceUid = samePatient && !before.study.studyInstanceUid.isEmpty() ? before.study.studyInstanceUid
+                                                                                          : DicomUid::make();
+        corrected.write(browserPath);
+        after = movieContext(currentMoviePath);
+    }
+    const QString name = QFileInfo(currentMoviePath).fileName();
+    switch (archiveQueue->state(currentMoviePath)) {
+    case ArchiveQueue::State::Sent:
+    case ArchiveQueue::State::Sending:
+        showArchiveProblem(tr("%1 has already been sent. The archive keeps what it received; the correction is kept "
+                              "here only. Correct it in the archive as well.")
+                                   .arg(name));
+        break;
+    case ArchiveQueue::State::Waiting:
+    case ArchiveQueue::State::NeedsPatientId:
+        // What waits goes out as corrected.
+        archiveQueue->withdraw(currentMoviePath);
+        archiveQueue->add(currentMoviePath, after);
+        break;
+    default:
+        break;
+    }
+    showArchivedPatientId();
+    updateArchiveButton();
 }

@@ -37,7 +37,10 @@ void MainWindow::refillLiveInformation()
     liveInformationShown = true;
     for (int i = 0; i < 5; ++i)
         setInformationText(i + 1, liveInformation[i]);
+    patientIdField->setText(livePatientId);
+    patientIdField->setToolTip(QString());
     updateWorklistButton();
+    updatePatientIdField();
 }
 
 void MainWindow::stashLiveInformation()
@@ -47,7 +50,9 @@ void MainWindow::stashLiveInformation()
     liveInformationShown = false;
     for (int i = 0; i < 5; ++i)
         liveInformation[i] = informationText(i + 1);
+    livePatientId = patientIdField->text();
     updateWorklistButton();
+    updatePatientIdField();
 }
 
 void MainWindow::showBrowsedInformation()
@@ -58,6 +63,7 @@ void MainWindow::showBrowsedInformation()
                                          information.hospital, information.comment };
     for (int i = 0; i < 5; ++i)
         setInformationText(i + 1, texts[i]);
+    showArchivedPatientId();
 }
 
 void MainWindow::enableInformationFields(bool on)
@@ -85,6 +91,7 @@ void MainWindow::selectionChanged(QModelIndex index)
         stashLiveInformation();
         for (int i = 1; i < 6; ++i)
             setInformationText(i, QString());
+        showArchivedPatientId();
         informationEditButton->hide();
         informationRefreshButton->hide();
     } else {
@@ -109,6 +116,7 @@ void MainWindow::toggleInformationEdit()
         informationRefreshButton->show();
     } else {
         panelInformation().write(StoragePaths::browserInformationPath(currentMoviePath));
+        saveBrowsedPatientId();
         enableInformationFields(false);
         informationRefreshButton->hide();
     }

@@ -360,6 +360,7 @@ void MainWindow::setupInformationPanel()
         informationFields[row] = field;
     }
     static_cast<QLineEdit *>(informationFields[0])->setReadOnly(true);
+    addPatientIdField(grid, body);
     layout->addWidget(body);
     wireWorklistButton();
 }

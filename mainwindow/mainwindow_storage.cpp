@@ -17,6 +17,7 @@
 #include "app/orvixlogging.h"
 #include "app/settingskeys.h"
 #include "app/storagefolders.h"
+#include "hospital/archivequeue.h"
 #include "storage/orvixstoragemodel.h"
 #include "storage/storagepaths.h"
 
@@ -69,6 +70,9 @@ void MainWindow::removeSelectedFile()
 
     // A movie playing or shown holds its file open.
     stopMediaPlayer();
+    // A deleted file is never sent, also when its copy for the archive was
+    // made before.
+    archiveQueue->withdraw(path);
     QFile::remove(StoragePaths::recordingInformationPath(path));
     QFile::remove(path);
     // The list may have been made again while the question was open (a file

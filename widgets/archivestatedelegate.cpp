@@ -16,8 +16,9 @@ QString pathOf(const QModelIndex &index)
 }
 } // namespace
 
-ArchiveStateDelegate::ArchiveStateDelegate(ArchiveQueue *queue, QObject *parent)
-    : QStyledItemDelegate(parent), queue(queue)
+ArchiveStateDelegate::ArchiveStateDelegate(ArchiveQueue *queue, std::function<QString(const QString &)> summary,
+                                           QObject *parent)
+    : QStyledItemDelegate(parent), queue(queue), summary(std::move(summary))
 {
 }
 
@@ -28,7 +29,8 @@ QString ArchiveStateDelegate::stateLine(const QString &file) const
     QString reason;
     const ArchiveQueue::State state = queue->state(file, &reason);
     QString line = tr("Archive: %1").arg(ArchiveQueue::stateText(state));
-    if (!reason.isEmpty() && state != ArchiveQueue::State::Sent)
+    // A failure's reason, or the warning the archive stored it with.
+    if (!reason.isEmpty())
         line += QStringLiteral(" (%1)").arg(reason);
     return line;
 }
@@ -51,6 +53,10 @@ void ArchiveStateDelegate::paint(QPainter *painter, const QStyleOptionViewItem &
     case ArchiveQueue::State::Failed:
         colour = QColor(192, 57, 43);
         mark = QStringLiteral("!");
+        break;
+    case ArchiveQueue::State::NeedsPatientId:
+        colour = QColor(192, 57, 43);
+        mark = QStringLiteral("?");
         break;
     default:
         colour = QColor(214, 150, 20);
@@ -79,7 +85,10 @@ bool ArchiveStateDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view,
 {
     if (event->type() == QEvent::ToolTip && index.isValid() && queue) {
         const QString file = pathOf(index);
-        QToolTip::showText(event->globalPos(), QFileInfo(file).fileName() + QLatin1Char('\n') + stateLine(file), view);
+        QString tip = QFileInfo(file).fileName() + QLatin1Char('\n') + stateLine(file);
+        if (summary)
+            tip += QLatin1Char('\n') + summary(file);
+        QToolTip::showText(event->globalPos(), tip, view);
         return true;
     }
     return QStyledItemDelegate::helpEvent(event, view, option, index);

@@ -1,7 +1,10 @@
 // The storage browser's items with their way to the archive shown: a small
-// mark on the picture (waiting, sent, failed) and the state, with the
-// reason of a failure, as the item's tip.
+// mark on the picture (waiting, sent, failed, needs a patient ID) and, as
+// the item's tip, the state with the archive's reason and the patient the
+// file goes out with.
 #pragma once
+
+#include <functional>
 
 #include <QPointer>
 #include <QStyledItemDelegate>
@@ -13,7 +16,9 @@ class ArchiveStateDelegate final : public QStyledItemDelegate
     Q_OBJECT
 
 public:
-    ArchiveStateDelegate(ArchiveQueue *queue, QObject *parent = nullptr);
+    // `summary` says what the archive gets for a file: its patient, ID and study.
+    ArchiveStateDelegate(ArchiveQueue *queue, std::function<QString(const QString &)> summary,
+                         QObject *parent = nullptr);
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
     bool helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
@@ -24,4 +29,5 @@ public:
 
 private:
     QPointer<ArchiveQueue> queue;
+    std::function<QString(const QString &)> summary;
 };

@@ -1,5 +1,6 @@
 #include "hospitaljobs.h"
 
+#include <QCoreApplication>
 #include <QThreadPool>
 #include <QVariant>
 
@@ -20,10 +21,11 @@ void run(QObject *receiver, std::function<QVariant()> work, std::function<void(c
     QPointer<QObject> guard(receiver);
     pool().start([guard, work = std::move(work), done = std::move(done)] {
         const QVariant result = work();
-        if (!guard)
-            return;
+        // The receiver may go at any moment on its own thread: the answer is
+        // posted to the application, which outlives every job, and the
+        // receiver is asked for there, on the thread that deletes it.
         QMetaObject::invokeMethod(
-            guard.data(),
+            QCoreApplication::instance(),
             [guard, done, result] {
                 if (guard)
                     done(result);

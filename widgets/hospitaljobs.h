@@ -9,6 +9,6 @@
 
 namespace HospitalJobs {
 // Runs `work` on a thread of its own pool, then `done` with its result on
-// the receiver's thread, unless the receiver is gone by then.
+// the application's thread, unless the receiver is gone by then.
 void run(QObject *receiver, std::function<QVariant()> work, std::function<void(const QVariant &)> done);
 } // namespace HospitalJobs

@@ -3,6 +3,7 @@
 #include <QDialogButtonBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -61,8 +62,7 @@ WorklistDialog::WorklistDialog(const DicomNode &node, QWidget *parent)
 
     connect(searchButton, &QPushButton::clicked, this, &WorklistDialog::search);
     connect(nameFilter, &QLineEdit::returnPressed, this, &WorklistDialog::search);
-    connect(entryTable, &QTableWidget::itemSelectionChanged, this,
-            [this] { chooseButton->setEnabled(!entryTable->selectedItems().isEmpty()); });
+    connect(entryTable, &QTableWidget::itemSelectionChanged, this, &WorklistDialog::updateChooseButton);
     connect(entryTable, &QTableWidget::cellDoubleClicked, this, &WorklistDialog::accept);
     connect(buttons, &QDialogButtonBox::accepted, this, &WorklistDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &WorklistDialog::reject);
@@ -75,6 +75,11 @@ void WorklistDialog::search()
         return;
     asking = true;
     searchButton->setEnabled(false);
+    // The old answer is not what is being asked for: nothing of it can be
+    // chosen while the new one is on its way.
+    entries.clear();
+    entryTable->setRowCount(0);
+    updateChooseButton();
     statusLabel->setText(tr("Asking the worklist %1…").arg(node.display()));
     const WorklistQuery query { QDate::currentDate(), node.ownAeTitle, nameFilter->text() };
     const DicomNode asked = node;
@@ -106,8 +111,10 @@ void WorklistDialog::showAnswer(const QList<WorklistEntry> &found, const QString
             entryTable->setItem(row, column, new QTableWidgetItem(cells[column]));
     }
     entryTable->resizeColumnsToContents();
-    if (!error.isEmpty())
+    if (!error.isEmpty() && found.isEmpty())
         statusLabel->setText(tr("The worklist could not be read. %1").arg(error));
+    else if (!error.isEmpty())
+        statusLabel->setText(error);
     else if (found.isEmpty())
         statusLabel->setText(tr("Nothing is scheduled for %1 today%2.")
                                  .arg(node.ownAeTitle,
@@ -120,9 +127,29 @@ void WorklistDialog::showAnswer(const QList<WorklistEntry> &found, const QString
         entryTable->selectRow(0);
 }
 
+void WorklistDialog::updateChooseButton()
+{
+    chooseButton->setEnabled(!asking && !entryTable->selectionModel()->selectedRows().isEmpty());
+}
+
+void WorklistDialog::keyPressEvent(QKeyEvent *event)
+{
+    // Return in the name filter asks the worklist; it must not also press
+    // Choose, which would take a row of the answer before.
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (enter && (nameFilter->hasFocus() || searchButton->hasFocus())) {
+        event->accept();
+        return;
+    }
+    QDialog::keyPressEvent(event);
+}
+
 void WorklistDialog::accept()
 {
-    const int row = entryTable->currentRow();
+    const QModelIndexList selected = entryTable->selectionModel()->selectedRows();
+    if (asking || selected.size() != 1)
+        return;
+    const int row = selected.first().row();
     if (row < 0 || row >= entries.size())
         return;
     chosenEntry = entries[row];

@@ -29,7 +29,11 @@ public slots:
     void search();
     void accept() override;
 
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
 private:
+    void updateChooseButton();
     void showAnswer(const QList<WorklistEntry> &found, const QString &error);
 
     DicomNode node;

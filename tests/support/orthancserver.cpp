@@ -69,9 +69,26 @@ bool OrthancServer::start(QString *error)
         { "DicomAlwaysAllowStore", true },
         { "DicomAlwaysAllowFindWorklist", true },
         { "DefaultEncoding", "Utf8" },
+        { "Mpeg4TransferSyntaxAccepted", acceptsMovies },
+        { "LuaScripts", QJsonArray { folder.filePath(QStringLiteral("refuse.lua")) } },
         { "Plugins", QJsonArray { worklistPlugin } },
         { "Worklists", QJsonObject { { "Enable", true }, { "Database", folder.filePath(QStringLiteral("worklists")) } } },
     };
+    QFile filter(folder.filePath(QStringLiteral("refuse.lua")));
+    if (!filter.open(QIODevice::WriteOnly)
+        || filter.write(QStringLiteral("function ReceivedInstanceFilter(dicom, origin, info)\n"
+                                       "  if dicom.InstitutionName == '%1' then\n"
+                                       "    error('this archive cannot take it now')\n"
+                                       "  end\n"
+                                       "  return true\n"
+                                       "end\n")
+                                .arg(busyHospital())
+                                .toUtf8())
+                   < 0) {
+        *error = QStringLiteral("cannot write the archive's filter");
+        return false;
+    }
+    filter.close();
     const QString configurationFile = folder.filePath(QStringLiteral("orthanc.json"));
     QFile file(configurationFile);
     if (!file.open(QIODevice::WriteOnly) || file.write(QJsonDocument(configuration).toJson()) < 0) {
@@ -161,6 +178,11 @@ QJsonValue OrthancServer::get(const QString &path) const
     return QJsonValue();
 }
 
+QString OrthancServer::busyHospital()
+{
+    return QStringLiteral("Busy Archive Hospital");
+}
+
 QString OrthancServer::worklistEntry(const QString &name, const QString &id, const QString &studyUid,
                                      const QString &station, const QDate &date, const QString &time,
                                      const QString &procedure)
@@ -169,6 +191,9 @@ QString OrthancServer::worklistEntry(const QString &name, const QString &id, con
                           "(0008,0050) SH [ACC-%2]\n"
                           "(0010,0010) PN [%1]\n"
                           "(0010,0020) LO [%2]\n"
+                          "(0010,0021) LO [HOSP-A]\n"
+                          "(0010,0030) DA [19800214]\n"
+                          "(0010,0040) CS [F]\n"
                           "(0020,000d) UI [%3]\n"
                           "(0032,1060) LO [%7]\n"
                           "(0040,1001) SH [RP-%2]\n"

@@ -29,6 +29,13 @@ public:
     // Raised before start(): an archive that stands in for a machine of its
     // own leaves this one's cores to the program under test.
     int niceness = 0;
+    // Set before start(): an archive that does not take MPEG-4 movies, as
+    // many do not.
+    bool acceptsMovies = true;
+    // An object of this InstitutionName is refused by a filter the archive
+    // runs itself: it answers "out of resources" (A700), as an archive does
+    // when it cannot take an object now.
+    static QString busyHospital();
 
     static QString aeTitle() { return QStringLiteral("ARCHIVE"); }
     int dicomPort() const { return dicomPortNumber; }
@@ -41,6 +48,7 @@ public:
     void clearWorklists();
     // The dump of a worklist entry as a hospital's scheduling system writes
     // one: patient, study, procedure, and one step for a station on a day.
+    // Birth date 1980-02-14, sex F and the issuer "HOSP-A" come with it.
     static QString worklistEntry(const QString &name, const QString &id, const QString &studyUid,
                                  const QString &station, const QDate &date, const QString &time,
                                  const QString &procedure);

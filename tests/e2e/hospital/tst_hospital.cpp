@@ -3,15 +3,18 @@
 #include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListView>
 #include <QMediaDevices>
 #include <QMediaRecorder>
 #include <QPushButton>
 #include <QSettings>
 #include <QSpinBox>
 #include <QTableWidget>
+#include <QStandardPaths>
 #include <QTcpServer>
 
 #include <csignal>
+#include <optional>
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -22,9 +25,13 @@
 #include "hospital/mp4summary.h"
 #include "movieprobe.h"
 #include "mainwindow/mainwindow.h"
+#include "dicomvalidator.h"
 #include "messageboxwatcher.h"
 #include "orthancserver.h"
 #include "orvixtest.h"
+#include "storage/orvixstoragemodel.h"
+#include "storage/storagepaths.h"
+#include "widgets/archivestatedelegate.h"
 #include "widgets/hospitalsettingsdialog.h"
 #include "widgets/worklistdialog.h"
 
@@ -150,6 +157,11 @@ private slots:
         QCOMPARE(anna.requestedProcedureId, QStringLiteral("RP-P-0042"));
         QCOMPARE(anna.scheduledDate, today);
         QCOMPARE(anna.scheduledTime, QTime(14, 30));
+        QCOMPARE(anna.scheduledStepId, QStringLiteral("SPS-P-0042"));
+        QCOMPARE(anna.scheduledStepDescription, QStringLiteral("Laparoscopic cholecystectomy"));
+        QCOMPARE(anna.patientBirthDate, QStringLiteral("19800214"));
+        QCOMPARE(anna.patientSex, QStringLiteral("F"));
+        QCOMPARE(anna.issuerOfPatientId, QStringLiteral("HOSP-A"));
 
         entries = DicomNetwork::findWorklist(node, { today, station, QStringLiteral("Mül") }, &error, 5);
         QVERIFY2(error.isEmpty(), qPrintable(error));
@@ -183,6 +195,13 @@ private slots:
                                      OrthancServer::worklistEntry(QStringLiteral("Müller^Anna"), QStringLiteral("P-0042"), studyUid,
                                                   QStringLiteral("OR1"), QDate::currentDate(), QStringLiteral("143000"),
                                                   QStringLiteral("Laparoscopic cholecystectomy")),
+                                     &error),
+                 qPrintable(error));
+        // Earlier in the day, so first in the list and chosen at first.
+        QVERIFY2(archive.addWorklist(QStringLiteral("taro"),
+                                     OrthancServer::worklistEntry(QStringLiteral("山田^太郎"), QStringLiteral("P-0043"),
+                                                  QStringLiteral("1.2.826.0.1.3680043.10.1138.43"), QStringLiteral("OR1"),
+                                                  QDate::currentDate(), QStringLiteral("081500"), QStringLiteral("Gastroscopy")),
                                      &error),
                  qPrintable(error));
 
@@ -247,18 +266,35 @@ private slots:
         QVERIFY(!settings->isVisible());
         QCOMPARE(HospitalSettings::node(HospitalSettings::Role::Worklist), archive.node(QStringLiteral("OR1")));
 
-        // The worklist: today's entry for this station, chosen.
+        // The worklist: today's entries for this station. Return in the name
+        // filter narrows the list and chooses nobody, also not the first row
+        // of the list before; Return on a row of the answer chooses it.
+        auto *patientId = window.findChild<QLineEdit *>(QStringLiteral("InformationPatientIdEdit"));
+        QVERIFY(patientId && patientId->isVisible() && !patientId->isReadOnly());
         worklistButton->click();
         WorklistDialog *worklist = window.worklistDialog();
         QVERIFY(worklist);
         QTRY_VERIFY_WITH_TIMEOUT(!worklist->isAsking(), 15000);
+        QCOMPARE(worklist->table()->rowCount(), 2);
+        QCOMPARE(worklist->table()->item(0, 1)->text(), QStringLiteral("山田, 太郎"));
+        auto *filter = worklist->findChild<QLineEdit *>(QStringLiteral("WorklistNameFilter"));
+        filter->setFocus();
+        QTest::keyClicks(filter, QStringLiteral("M"));
+        QTest::keyClick(filter, Qt::Key_Return);
+        QVERIFY2(window.worklistDialog(), "Return in the filter closed the worklist");
+        QTRY_VERIFY_WITH_TIMEOUT(!worklist->isAsking(), 15000);
+        QVERIFY2(patient->text().isEmpty(), qPrintable(patient->text()));
         QCOMPARE(worklist->table()->rowCount(), 1);
         QCOMPARE(worklist->table()->item(0, 1)->text(), QStringLiteral("Müller, Anna"));
         QCOMPARE(worklist->table()->item(0, 2)->text(), QStringLiteral("P-0042"));
         QCOMPARE(worklist->table()->item(0, 3)->text(), QStringLiteral("Laparoscopic cholecystectomy"));
-        worklist->accept();
+        worklist->table()->setFocus();
+        QTest::keyClick(worklist->table(), Qt::Key_Return);
         QTRY_VERIFY(!window.worklistDialog());
         QCOMPARE(patient->text(), QStringLiteral("Müller, Anna"));
+        // The worklist's patient keeps the worklist's ID.
+        QCOMPARE(patientId->text(), QStringLiteral("P-0042"));
+        QVERIFY(patientId->isReadOnly());
 
         // Recorded: the designed group as it always was, the archive's
         // fields after it; the button rests while the fields are locked.
@@ -296,12 +332,14 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(queue->state(picture), ArchiveQueue::State::Sent, 30000);
         checkArchived(movie, picture, studyUid);
 
-        // Another patient typed over it is not the worklist's patient.
-        patient->setText(QStringLiteral("Someone Else"));
+        // Another patient typed over it is not the worklist's patient, and
+        // has not the worklist patient's ID.
+        patient->setText(QStringLiteral("Else, Someone"));
         const CaseInformation typed = window.liveCase();
         QVERIFY(!typed.fromWorklist());
         QVERIFY(typed.studyInstanceUid != studyUid);
-        QCOMPARE(typed.worklist.patientName, QStringLiteral("Someone Else"));
+        QCOMPARE(typed.worklist.patientName, QStringLiteral("Else^Someone"));
+        QVERIFY(patientId->text().isEmpty() && !patientId->isReadOnly());
 
         // The worklist down: said in the dialog, and the window goes on.
         archive.stop();
@@ -316,50 +354,246 @@ private slots:
     }
 
     // The archive gone while a case is recorded: the recording goes on and
-    // its files wait; the program is killed and started again; the archive
-    // comes back: everything arrives, once.
+    // its files wait; the program is killed and started again, the second
+    // time in the middle of a recording; the archive comes back: everything
+    // arrives, once, the movie the crash cut short included.
     void archiveDownAcrossARestart()
     {
         QString error;
         const int before = archive.get(QStringLiteral("/instances")).toArray().size();
-        // The program in a process of its own, killed once its case waits.
+        // The program in a process of its own, killed once its case waits
+        // and its next recording runs.
         archive.stop();
         QProcess program;
         program.setProcessEnvironment(devices.environment());
         program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        program.start(QStringLiteral(ORVIX_RECORDING_HELPER), { QStringLiteral("case8"), QStringLiteral("4") });
+        program.start(QStringLiteral(ORVIX_RECORDING_HELPER), { QStringLiteral("case8"), QStringLiteral("4"), QStringLiteral("again") });
         QVERIFY(program.waitForStarted(5000));
-        QTRY_VERIFY_WITH_TIMEOUT(program.canReadLine() || program.state() != QProcess::Running, 30000);
-        const QString line = QString::fromLocal8Bit(program.readLine()).trimmed();
+        const auto nextLine = [&program] {
+            if (!QTest::qWaitFor([&] { return program.canReadLine(); }, 30000))
+                return QStringLiteral("(nothing said)");
+            return QString::fromLocal8Bit(program.readLine()).trimmed();
+        };
+        QString line = nextLine();
         QVERIFY2(line.startsWith(QStringLiteral("recording ")), qPrintable(line));
         QStringList files { line.mid(10) };
-        QTRY_VERIFY_WITH_TIMEOUT(program.canReadLine() || program.state() != QProcess::Running, 30000);
-        QCOMPARE(QString::fromLocal8Bit(program.readLine()).trimmed(), QStringLiteral("finished"));
+        QCOMPARE(nextLine(), QStringLiteral("finished"));
         files << root + QStringLiteral("Image/") + QDir(root + QStringLiteral("Image")).entryList({ "*.jpg" }, QDir::Files, QDir::Time).value(0);
+        line = nextLine();
+        QVERIFY2(line.startsWith(QStringLiteral("recording ")), qPrintable(line));
+        const QString cutShort = line.mid(10);
         // Its first try has failed by now; the queue on disk says so.
-        QTest::qWait(2000);
+        QTest::qWait(3000);
         ::kill(pid_t(program.processId()), SIGKILL);
         QVERIFY(program.waitForFinished(5000));
+        QVERIFY(QFileInfo(cutShort).size() > 0);
+        files << cutShort;
 
         // Started again, with the archive still away, then back.
         MainWindow window;
         window.show();
         QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QTest::qWait(2000);
         for (const QString &file : std::as_const(files))
             QVERIFY(window.archive()->state(file) != ArchiveQueue::State::Sent);
-        QTest::qWait(2000);
+        // The movie the crash cut short was found and queued at the start.
+        QVERIFY(window.archive()->state(cutShort) != ArchiveQueue::State::NotSent);
         QVERIFY2(archive.start(&error), qPrintable(error));
+        window.archive()->retryNow();
         for (const QString &file : std::as_const(files))
             QTRY_COMPARE_WITH_TIMEOUT(window.archive()->state(file), ArchiveQueue::State::Sent, 60000);
-        QCOMPARE(archive.get(QStringLiteral("/instances")).toArray().size(), before + 2);
+        QCOMPARE(archive.get(QStringLiteral("/instances")).toArray().size(), before + 3);
         QTest::qWait(2000);
-        QCOMPARE(archive.get(QStringLiteral("/instances")).toArray().size(), before + 2);
+        QCOMPARE(archive.get(QStringLiteral("/instances")).toArray().size(), before + 3);
         // And said once, in one box, while it was away.
         QCOMPARE(window.findChildren<QMessageBox *>(QStringLiteral("ArchiveNotice")).size(), 1);
         // The recording went on while the archive was away, and the
         // recorded files are as they were.
         QVERIFY2(MovieProbe::probe(files[0]).frames >= 100, qPrintable(MovieProbe::probe(files[0]).describe()));
         QVERIFY(!QImage(files[1]).isNull());
+    }
+
+    // A case typed by hand, as a user slips: no ID at first, a look at an
+    // older movie while the recording splits, a Send on the movie being
+    // recorded, a correction in the browser, a deletion and a cancel while
+    // the archive is away, and the window closed in the middle of a
+    // recording. Each file reaches the archive with the patient the user
+    // can see, or not at all.
+    void typedCaseCorrectedAndWithdrawn()
+    {
+        QString error;
+        HospitalSettings::setNode(HospitalSettings::Role::Archive, archive.node(QStringLiteral("OR1")));
+        HospitalSettings::setSendAutomatically(true);
+        const int before = archive.get(QStringLiteral("/instances")).toArray().size();
+        std::optional<MainWindow> window;
+        window.emplace();
+        window->resize(1280, 720);
+        window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(&*window));
+        QTRY_VERIFY_WITH_TIMEOUT(window->isCameraLive(), 10000);
+        ArchiveQueue *queue = window->archive();
+        auto *view = window->findChild<QListView *>(QStringLiteral("ThumbnailView"));
+        auto *model = qobject_cast<OrvixStorageModel *>(view->model());
+        auto *delegate = qobject_cast<ArchiveStateDelegate *>(view->itemDelegate());
+        auto *patientId = window->findChild<QLineEdit *>(QStringLiteral("InformationPatientIdEdit"));
+        auto *sendButton = window->findChild<QPushButton *>(QStringLiteral("FilePreviewSendButton"));
+        auto *editButton = window->findChild<QPushButton *>(QStringLiteral("InformationEditButton"));
+        auto field = [&window](const char *name) { return window->findChild<QLineEdit *>(QLatin1String(name)); };
+        QVERIFY(patientId && patientId->isVisible());
+        auto open = [&](const QString &file) {
+            QStandardItem *item = nullptr;
+            QTRY_VERIFY_WITH_TIMEOUT((item = model->itemForName(QFileInfo(file).fileName())), 5000);
+            view->scrollTo(item->index());
+            const QPoint centre = view->visualRect(item->index()).center();
+            QVERIFY(view->viewport()->rect().contains(centre));
+            QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, centre);
+            QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, centre);
+        };
+        // The file being recorded after `msec`; empty when none began.
+        auto record = [&window](int msec) -> QString {
+            window->captureVideo();
+            if (!QTest::qWaitFor([&] { return window->currentRecorder()->recorderState() == QMediaRecorder::RecordingState; }, 5000))
+                return QString();
+            const QString file = window->recordingFile();
+            QTest::qWait(msec);
+            return file;
+        };
+        auto stop = [&window] {
+            window->captureVideo();
+            QTRY_VERIFY_WITH_TIMEOUT(window->recordingFile().isEmpty()
+                                             && window->currentRecorder()->recorderState() == QMediaRecorder::StoppedState,
+                                     10000);
+        };
+
+        // A patient typed without an ID: kept, marked, never sent.
+        const QString longHospital = QStringLiteral("St.\\Mary ") + QString(70, QLatin1Char('h'));
+        field("InformationFileNameEdit")->setText(QStringLiteral("typed"));
+        field("InformationPatientNameEdit")->setText(QStringLiteral("Smith, John"));
+        field("InformationHospitalNameEdit")->setText(longHospital);
+        const QString first = record(2000);
+        QVERIFY(!first.isEmpty());
+        stop();
+        QTRY_COMPARE_WITH_TIMEOUT(queue->state(first), ArchiveQueue::State::NeedsPatientId, 5000);
+        QCOMPARE(delegate->stateLine(first), QStringLiteral("Archive: needs a patient ID"));
+
+        // The ID typed; while the recording runs the user looks at the
+        // first movie, whose browser texts name someone else, and the size
+        // limit splits the recording meanwhile.
+        patientId->setText(QStringLiteral("S-1"));
+        RecordingInformation other;
+        other.patient = QStringLiteral("Other, Patient");
+        other.write(StoragePaths::browserInformationPath(first));
+        const QString part1 = record(1500);
+        QVERIFY(!part1.isEmpty());
+        open(first);
+        QTRY_COMPARE(field("InformationPatientNameEdit")->text(), QStringLiteral("Other, Patient"));
+        window->splitVideoFile();
+        QTRY_VERIFY_WITH_TIMEOUT(!window->recordingFile().isEmpty() && window->recordingFile() != part1, 10000);
+        const QString part2 = window->recordingFile();
+        QTest::qWait(1500);
+        // Send on the movie being recorded: refused, nothing queued.
+        {
+            QStandardItem *item = nullptr;
+            QTRY_VERIFY_WITH_TIMEOUT((item = model->itemForName(QFileInfo(part2).fileName())), 5000);
+            view->setCurrentIndex(item->index());
+            MessageBoxWatcher boxes;
+            sendButton->click();
+            QTRY_COMPARE(boxes.texts.size(), 1);
+            QVERIFY2(boxes.texts[0].contains(QLatin1String("still being recorded")), qPrintable(boxes.texts[0]));
+            QCOMPARE(queue->state(part2), ArchiveQueue::State::NotSent);
+        }
+        stop();
+        for (const QString &part : { part1, part2 }) {
+            const CaseInformation kept = CaseInformation::read(StoragePaths::recordingInformationPath(part));
+            QCOMPARE(kept.worklist.patientName, QStringLiteral("Smith^John"));
+            QCOMPARE(kept.worklist.patientId, QStringLiteral("S-1"));
+            QCOMPARE(kept.studyInstanceUid, CaseInformation::read(StoragePaths::recordingInformationPath(part1)).studyInstanceUid);
+            QTRY_COMPARE_WITH_TIMEOUT(queue->state(part), ArchiveQueue::State::Sent, 30000);
+        }
+
+        // The first movie corrected in the browser: its patient and ID as
+        // the user typed them there are what goes out.
+        open(first);
+        QTRY_VERIFY(editButton->isVisible());
+        editButton->click();
+        field("InformationPatientNameEdit")->setText(QStringLiteral("Smith, John"));
+        patientId->setText(QStringLiteral("S-1"));
+        editButton->click();
+        QVERIFY2(patientId->toolTip().contains(QLatin1String("Patient: Smith, John"))
+                         && patientId->toolTip().contains(QLatin1String("Patient ID: S-1")),
+                 qPrintable(patientId->toolTip()));
+        QTRY_COMPARE_WITH_TIMEOUT(queue->state(first), ArchiveQueue::State::Sent, 30000);
+        QCOMPARE(archive.get(QStringLiteral("/instances")).toArray().size(), before + 3);
+        for (const QJsonValue &value : archive.get(QStringLiteral("/patients?expand")).toArray()) {
+            const QJsonObject tags = value.toObject().value("MainDicomTags").toObject();
+            if (tags.value("PatientID").toString() != QLatin1String("S-1"))
+                continue;
+            QCOMPARE(tags.value("PatientName").toString(), QStringLiteral("Smith^John"));
+            QCOMPARE(value.toObject().value("Studies").toArray().size(), 2);
+        }
+        for (const QJsonValue &value : archive.get(QStringLiteral("/instances?expand")).toArray()) {
+            const QString id = value.toObject().value("ID").toString();
+            const QJsonObject tags = archive.get(QStringLiteral("/instances/%1/simplified-tags").arg(id)).toObject();
+            if (tags.value("PatientID").toString() != QLatin1String("S-1"))
+                continue;
+            const QString hospital = tags.value("InstitutionName").toString();
+            QVERIFY2(hospital.startsWith(QLatin1String("St.Mary hh")) && hospital.toUtf8().size() <= 64, qPrintable(hospital));
+        }
+
+        // The archive away: a snapshot deleted, another cancelled. Neither
+        // is ever sent, also though their copies were made.
+        archive.stop();
+        QTest::mouseClick(window->findChild<QPushButton *>(QStringLiteral("LiveSetupButton")), Qt::LeftButton);
+        QTRY_VERIFY(window->isCameraLive());
+        QStringList pictures;
+        for (int i = 0; i < 2; ++i) {
+            const QStringList before = QDir(root + QStringLiteral("Image")).entryList({ "*.jpg" });
+            window->captureStillImage();
+            QString taken;
+            QTRY_VERIFY_WITH_TIMEOUT(!(taken = [&] {
+                for (const QString &name : QDir(root + QStringLiteral("Image")).entryList({ "*.jpg" }))
+                    if (!before.contains(name))
+                        return name;
+                return QString();
+            }()).isEmpty(), 5000);
+            pictures << root + QStringLiteral("Image/") + taken;
+            QTRY_COMPARE_WITH_TIMEOUT(queue->state(pictures.last()), ArchiveQueue::State::Waiting, 15000);
+            QTest::qWait(1100); // snapshots are named by the second
+        }
+        const QDir outbox(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + QStringLiteral("/archive/outbox"));
+        QTRY_VERIFY_WITH_TIMEOUT(!outbox.entryList({ "*.dcm" }).isEmpty(), 10000);
+        {
+            QTRY_VERIFY_WITH_TIMEOUT(model->itemForName(QFileInfo(pictures[0]).fileName()), 5000);
+            view->setCurrentIndex(model->itemForName(QFileInfo(pictures[0]).fileName())->index());
+            MessageBoxWatcher yes(QMessageBox::Yes);
+            window->removeSelectedFile();
+            QTRY_COMPARE(yes.texts.size(), 1);
+        }
+        QCOMPARE(queue->state(pictures[0]), ArchiveQueue::State::NotSent);
+        QTRY_VERIFY_WITH_TIMEOUT(model->itemForName(QFileInfo(pictures[1]).fileName()), 5000);
+        view->setCurrentIndex(model->itemForName(QFileInfo(pictures[1]).fileName())->index());
+        QCOMPARE(sendButton->text(), QStringLiteral("Cancel sending"));
+        sendButton->click();
+        QCOMPARE(queue->state(pictures[1]), ArchiveQueue::State::NotSent);
+        QCOMPARE(sendButton->text(), QStringLiteral("Send"));
+        QTRY_VERIFY_WITH_TIMEOUT(outbox.entryList({ "*.dcm" }).isEmpty(), 5000);
+
+        // The window closed in the middle of a recording, as at the end of
+        // a day: that movie is queued all the same, and sent at the next
+        // start.
+        QTest::mouseClick(window->findChild<QPushButton *>(QStringLiteral("LiveSetupButton")), Qt::LeftButton);
+        const QString lastOne = record(2000);
+        QVERIFY(!lastOne.isEmpty());
+        window.reset();
+        QVERIFY2(archive.start(&error), qPrintable(error));
+        window.emplace();
+        window->show();
+        QTRY_COMPARE_WITH_TIMEOUT(window->archive()->state(lastOne), ArchiveQueue::State::Sent, 30000);
+        QTest::qWait(2000);
+        // The cancelled and the deleted snapshot never arrived.
+        QCOMPARE(archive.get(QStringLiteral("/instances")).toArray().size(), before + 4);
+        window.reset();
+        HospitalSettings::setSendAutomatically(false);
     }
 
 private:
@@ -376,6 +610,7 @@ private:
         QCOMPARE(study.value("Series").toArray().size(), 2);
         QMap<QString, QString> syntaxOfClass;
         QString movieInstance;
+        QSet<QString> studyDates;
         for (const QJsonValue &value : archive.get(QStringLiteral("/instances")).toArray()) {
             const QString id = value.toString();
             const QJsonObject header = archive.get(QStringLiteral("/instances/%1/header?simplify").arg(id)).toObject();
@@ -385,7 +620,56 @@ private:
                 movieInstance = id;
             QCOMPARE(tags.value("PerformingPhysicianName").toString(), QStringLiteral("Dr. Weber"));
             QCOMPARE(tags.value("InstitutionName").toString(), QStringLiteral("St. Elisabeth"));
+            // The worklist's facts, whole, and one study date for both.
+            QCOMPARE(tags.value("PatientBirthDate").toString(), QStringLiteral("19800214"));
+            QCOMPARE(tags.value("PatientSex").toString(), QStringLiteral("F"));
+            QCOMPARE(tags.value("IssuerOfPatientID").toString(), QStringLiteral("HOSP-A"));
+            const QJsonObject request = tags.value("RequestAttributesSequence").toArray().at(0).toObject();
+            QCOMPARE(request.value("ScheduledProcedureStepID").toString(), QStringLiteral("SPS-P-0042"));
+            QCOMPARE(request.value("RequestedProcedureID").toString(), QStringLiteral("RP-P-0042"));
+            studyDates.insert(tags.value("StudyDate").toString() + tags.value("StudyTime").toString());
+            QVERIFY2(tags.value("SOPInstanceUID").toString().startsWith(QLatin1String("2.25."))
+                             && tags.value("SeriesInstanceUID").toString().startsWith(QLatin1String("2.25.")),
+                     qPrintable(tags.value("SOPInstanceUID").toString()));
+            // As the archive holds it, the object passes the validator.
+            const QString held = outbox.filePath(id + QStringLiteral(".dcm"));
+            QFile heldFile(held);
+            QVERIFY(heldFile.open(QIODevice::WriteOnly));
+            heldFile.write(archive.getRaw(QStringLiteral("/instances/%1/file").arg(id)));
+            heldFile.close();
+            const QStringList errors = DicomValidator::errors(held);
+            QVERIFY2(errors.isEmpty(), qPrintable(errors.join(QLatin1Char('\n'))));
+            if (tags.value("SOPClassUID").toString() == QLatin1String("1.2.840.10008.5.1.4.1.1.77.1.1.1")) {
+                const QJsonObject channel =
+                        tags.value("MultiplexedAudioChannelsDescriptionCodeSequence").toArray().at(0).toObject();
+                QVERIFY2(!channel.value("ChannelMode").toString().isEmpty(), "the sound is not described");
+            }
         }
+        QCOMPARE(studyDates.size(), 1);
+        // The sound at a constant rate MP3 in an MP4 may have: every frame
+        // the same size (a padding byte aside), at 128 kbit/s.
+        QProcess sound;
+        sound.start(QStringLiteral("ffprobe"), { QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-select_streams"),
+                                                 QStringLiteral("a"), QStringLiteral("-show_entries"),
+                                                 QStringLiteral("stream=sample_rate,bit_rate:packet=size"), QStringLiteral("-of"),
+                                                 QStringLiteral("compact"), movie });
+        QVERIFY(sound.waitForFinished(20000));
+        QSet<int> frameSizes;
+        QString soundStream;
+        for (const QString &line : QString::fromUtf8(sound.readAllStandardOutput()).split(QLatin1Char('\n'))) {
+            if (line.startsWith(QLatin1String("packet|size=")))
+                frameSizes.insert(line.mid(12).toInt());
+            else if (line.startsWith(QLatin1String("stream|")))
+                soundStream = line;
+        }
+        QVERIFY2(!frameSizes.isEmpty(), "no sound");
+        QVERIFY2(*std::max_element(frameSizes.cbegin(), frameSizes.cend()) - *std::min_element(frameSizes.cbegin(), frameSizes.cend()) <= 1,
+                 qPrintable(soundStream));
+        const int bitRate = QRegularExpression(QStringLiteral("bit_rate=(\\d+)")).match(soundStream).captured(1).toInt();
+        QVERIFY2(qAbs(bitRate - 128000) <= 1000, qPrintable(soundStream));
+        QVERIFY2(soundStream.contains(QLatin1String("sample_rate=32000")) || soundStream.contains(QLatin1String("sample_rate=44100"))
+                         || soundStream.contains(QLatin1String("sample_rate=48000")),
+                 qPrintable(soundStream));
         QCOMPARE(syntaxOfClass.value("1.2.840.10008.5.1.4.1.1.77.1.1.1"), QStringLiteral("1.2.840.10008.1.2.4.102"));
         QCOMPARE(syntaxOfClass.value("1.2.840.10008.5.1.4.1.1.77.1.1"), QStringLiteral("1.2.840.10008.1.2.4.50"));
 
