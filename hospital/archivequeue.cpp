@@ -445,8 +445,8 @@ void ArchiveQueue::finished(const QString &file, const QString &objectFile, cons
             qCWarning(lcHospital) << "archive not reached, again in" << wait << "s:" << outcome.text;
             if (!unreachableSaid) {
                 unreachableSaid = true;
-                emit problem(tr("The archive cannot be reached: %1\n\nMovies and snapshots wait on this computer and "
-                                "are sent when it answers again; nothing is lost.")
+                emit problem(tr("The archive cannot take files now: %1\n\nMovies and snapshots wait on this computer "
+                                "and are sent when it can; nothing is lost.")
                                  .arg(outcome.text));
             }
         } else {

@@ -122,6 +122,12 @@ public:
         OFCondition condition = scu.initNetwork();
         if (condition.good())
             condition = scu.negotiateAssociation();
+        if (condition == NET_EC_NoAcceptablePresentationContexts) {
+            // It answered, and takes nothing of what was offered.
+            *error = QStringLiteral("%1 answered but does not offer %2.").arg(node.display(), what);
+            refusal = true;
+            return 0;
+        }
         if (condition.bad()) {
             *error = describe(node, condition, timeout);
             refusal = condition == DUL_ASSOCIATIONREJECTED;

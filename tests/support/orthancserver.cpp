@@ -147,6 +147,12 @@ bool OrthancServer::addWorklist(const QString &name, const QString &dump, QStrin
     return true;
 }
 
+QString OrthancServer::log() const
+{
+    QFile file(folder.filePath(QStringLiteral("orthanc.log")));
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
 void OrthancServer::clearWorklists()
 {
     QDir worklists(folder.filePath(QStringLiteral("worklists")));

@@ -53,6 +53,8 @@ public:
                                  const QString &station, const QDate &date, const QString &time,
                                  const QString &procedure);
 
+    // What the archive has logged since it was first started.
+    QString log() const;
     // GET on the REST API; a null value when it fails.
     QJsonValue get(const QString &path) const;
     QByteArray getRaw(const QString &path) const;

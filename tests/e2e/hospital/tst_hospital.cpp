@@ -596,6 +596,114 @@ private slots:
         HospitalSettings::setSendAutomatically(false);
     }
 
+    // The archive says no in the ways archives do: it does not know this
+    // station's called AE title, it cannot take an object now (out of
+    // resources), it does not take MPEG-4 movies. A refusal fails the file
+    // once, with the reason, and is never sent again by itself; a busy
+    // archive is asked again, less and less often; fixing the settings or
+    // pressing "Send again" sends at once.
+    void archiveRefuses()
+    {
+        QString error;
+        HospitalSettings::setSendAutomatically(true);
+        DicomNode unknown = archive.node(QStringLiteral("OR1"));
+        unknown.calledAeTitle = QStringLiteral("NOTTHEPACS");
+        HospitalSettings::setNode(HospitalSettings::Role::Archive, unknown);
+        std::optional<MainWindow> window;
+        window.emplace();
+        window->resize(1280, 720);
+        window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(&*window));
+        QTRY_VERIFY_WITH_TIMEOUT(window->isCameraLive(), 10000);
+        ArchiveQueue *queue = window->archive();
+        auto *view = window->findChild<QListView *>(QStringLiteral("ThumbnailView"));
+        auto *model = qobject_cast<OrvixStorageModel *>(view->model());
+        auto *sendButton = window->findChild<QPushButton *>(QStringLiteral("FilePreviewSendButton"));
+        auto field = [&window](const char *name) { return window->findChild<QLineEdit *>(QLatin1String(name)); };
+        auto notice = [&window] {
+            QMessageBox *box = window->findChild<QMessageBox *>(QStringLiteral("ArchiveNotice"));
+            return box && box->isVisible() ? box->text() : QString();
+        };
+        auto snapshot = [&]() -> QString {
+            const QStringList before = QDir(root + QStringLiteral("Image")).entryList({ "*.jpg" });
+            QTest::qWait(1100); // snapshots are named by the second
+            window->captureStillImage();
+            QString taken;
+            QTest::qWaitFor([&] {
+                for (const QString &name : QDir(root + QStringLiteral("Image")).entryList({ "*.jpg" }))
+                    if (!before.contains(name))
+                        taken = name;
+                return !taken.isEmpty();
+            }, 5000);
+            return taken.isEmpty() ? QString() : root + QStringLiteral("Image/") + taken;
+        };
+        field("InformationFileNameEdit")->setText(QStringLiteral("refused"));
+        field("InformationPatientNameEdit")->setText(QStringLiteral("Refused, Case"));
+        field("InformationPatientIdEdit")->setText(QStringLiteral("R-1"));
+        field("InformationHospitalNameEdit")->setText(QStringLiteral("St. Elisabeth"));
+
+        // A called AE title the archive does not know: failed, said, and
+        // not tried again; the settings put right, sent at once.
+        const int rejectedBefore = archive.log().count(QLatin1String("Rejected association"));
+        const QString refused = snapshot();
+        QVERIFY(!refused.isEmpty());
+        QString reason;
+        QTRY_COMPARE_WITH_TIMEOUT(queue->state(refused, &reason), ArchiveQueue::State::Failed, 15000);
+        QVERIFY2(reason.contains(QLatin1String("refused the connection of this station")), qPrintable(reason));
+        QTRY_VERIFY2(notice().contains(QLatin1String("was not accepted by the archive")), qPrintable(notice()));
+        QTest::qWait(7000);
+        QCOMPARE(queue->state(refused), ArchiveQueue::State::Failed);
+        QCOMPARE(archive.log().count(QLatin1String("Rejected association")) - rejectedBefore, 1);
+        window->showHospitalSettings();
+        window->hospitalSettingsDialog()->findChild<QLineEdit *>(QStringLiteral("HospitalArchiveCalledAeTitle"))
+                ->setText(OrthancServer::aeTitle());
+        window->hospitalSettingsDialog()->accept();
+        QTRY_COMPARE_WITH_TIMEOUT(queue->state(refused), ArchiveQueue::State::Sent, 4000);
+
+        // Out of resources: the file waits and is asked again, less and
+        // less often, never in a loop.
+        field("InformationHospitalNameEdit")->setText(OrthancServer::busyHospital());
+        const int busyBefore = archive.log().count(QLatin1String("Error in the Lua callback"));
+        const QString busy = snapshot();
+        QVERIFY(!busy.isEmpty());
+        QTRY_VERIFY_WITH_TIMEOUT(archive.log().count(QLatin1String("Error in the Lua callback")) > busyBefore, 15000);
+        QTest::qWait(8000);
+        QCOMPARE(queue->state(busy, &reason), ArchiveQueue::State::Waiting);
+        QVERIFY2(reason.contains(QLatin1String("out of resources")), qPrintable(reason));
+        const int tries = archive.log().count(QLatin1String("Error in the Lua callback")) - busyBefore;
+        QVERIFY2(tries >= 2 && tries <= 3, qPrintable(QString::number(tries)));
+        QTRY_VERIFY_WITH_TIMEOUT(model->itemForName(QFileInfo(busy).fileName()), 5000);
+        view->setCurrentIndex(model->itemForName(QFileInfo(busy).fileName())->index());
+        sendButton->click();
+        QCOMPARE(queue->state(busy), ArchiveQueue::State::NotSent);
+
+        // No MPEG-4 movies: the movie fails with the reason, its snapshot
+        // goes; "Send again" once the archive takes movies.
+        archive.stop();
+        archive.acceptsMovies = false;
+        QVERIFY2(archive.start(&error), qPrintable(error));
+        field("InformationHospitalNameEdit")->setText(QStringLiteral("St. Elisabeth"));
+        window->captureVideo();
+        QTRY_COMPARE_WITH_TIMEOUT(window->currentRecorder()->recorderState(), QMediaRecorder::RecordingState, 5000);
+        const QString movie = window->recordingFile();
+        const QString picture = snapshot();
+        QTest::qWait(1000);
+        window->captureVideo();
+        QTRY_COMPARE_WITH_TIMEOUT(queue->state(movie, &reason), ArchiveQueue::State::Failed, 20000);
+        QVERIFY2(reason.contains(QLatin1String("1.2.840.10008.1.2.4.102")), qPrintable(reason));
+        QTRY_COMPARE_WITH_TIMEOUT(queue->state(picture), ArchiveQueue::State::Sent, 15000);
+        archive.stop();
+        archive.acceptsMovies = true;
+        QVERIFY2(archive.start(&error), qPrintable(error));
+        QTRY_VERIFY_WITH_TIMEOUT(model->itemForName(QFileInfo(movie).fileName()), 5000);
+        view->setCurrentIndex(model->itemForName(QFileInfo(movie).fileName())->index());
+        QCOMPARE(sendButton->text(), QStringLiteral("Send again"));
+        sendButton->click();
+        QTRY_COMPARE_WITH_TIMEOUT(queue->state(movie), ArchiveQueue::State::Sent, 20000);
+        window.reset();
+        HospitalSettings::setSendAutomatically(false);
+    }
+
 private:
     // What arrived, read back through Orthanc's REST API.
     void checkArchived(const QString &movie, const QString &picture, const QString &studyUid)
