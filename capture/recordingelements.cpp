@@ -263,6 +263,24 @@ void muxerConstructed(GObject *object)
     gst_util_set_object_arg(object, "fragment-mode", "dash-or-mss");
 }
 
+// Replaces a stock element's pad template by one of the same name that
+// takes less.
+void narrowPadTemplate(gpointer klass, const char *name, const char *capsText)
+{
+    auto *elementClass = GST_ELEMENT_CLASS(klass);
+    GstPadTemplate *stock = gst_element_class_get_pad_template(elementClass, name);
+    if (!stock)
+        return;
+    GstCaps *caps = gst_caps_from_string(capsText);
+    const GType padType = GST_PAD_TEMPLATE_GTYPE(stock);
+    GstPadTemplate *narrowed = padType == G_TYPE_NONE
+            ? gst_pad_template_new(name, GST_PAD_TEMPLATE_DIRECTION(stock), GST_PAD_TEMPLATE_PRESENCE(stock), caps)
+            : gst_pad_template_new_with_gtype(name, GST_PAD_TEMPLATE_DIRECTION(stock),
+                                              GST_PAD_TEMPLATE_PRESENCE(stock), caps, padType);
+    gst_caps_unref(caps);
+    gst_element_class_add_pad_template(elementClass, narrowed);
+}
+
 void muxerClassInit(gpointer klass, gpointer)
 {
     muxerParentClass = G_OBJECT_CLASS(g_type_class_peek_parent(klass));
@@ -271,19 +289,10 @@ void muxerClassInit(gpointer klass, gpointer)
 
     // Only 4:2:0 profiles on the video input: the encoder then agrees on
     // High 4:2:0 instead of following the camera's 4:2:2.
-    auto *elementClass = GST_ELEMENT_CLASS(klass);
-    GstPadTemplate *stock = gst_element_class_get_pad_template(elementClass, "video_%u");
-    if (!stock)
-        return;
-    GstCaps *caps = gst_caps_from_string(
-            "video/x-h264, stream-format=(string)avc, alignment=(string)au, "
-            "profile=(string){ constrained-baseline, baseline, main, high }, "
-            "width=(int)[ 16, MAX ], height=(int)[ 16, MAX ]");
-    GstPadTemplate *only420 = gst_pad_template_new_with_gtype(
-            "video_%u", GST_PAD_SINK, GST_PAD_REQUEST, caps, GST_PAD_TEMPLATE_GTYPE(stock));
-    gst_caps_unref(caps);
-    // Replaces the template of the same name.
-    gst_element_class_add_pad_template(elementClass, only420);
+    narrowPadTemplate(klass, "video_%u",
+                      "video/x-h264, stream-format=(string)avc, alignment=(string)au, "
+                      "profile=(string){ constrained-baseline, baseline, main, high }, "
+                      "width=(int)[ 16, MAX ], height=(int)[ 16, MAX ]");
 }
 
 // The encoder's threads work a little below the live view and the X server.
@@ -367,21 +376,11 @@ void soundEncoderClassInit(gpointer klass, gpointer)
     G_OBJECT_CLASS(klass)->constructed = soundEncoderConstructed;
     // Only the rates MP3 in an MP4 may have for an archive: the recorder
     // resamples anything else.
-    auto *elementClass = GST_ELEMENT_CLASS(klass);
-    GstPadTemplate *stock = gst_element_class_get_pad_template(elementClass, "sink");
-    if (!stock)
-        return;
-    GstCaps *caps = gst_caps_from_string(
-            "audio/x-raw, format=(string)S16LE, layout=(string)interleaved, rate=(int){ 32000, 44100, 48000 }, "
-            "channels=(int)1; "
-            "audio/x-raw, format=(string)S16LE, layout=(string)interleaved, rate=(int){ 32000, 44100, 48000 }, "
-            "channels=(int)2, channel-mask=(bitmask)0x3");
-    const GType padType = GST_PAD_TEMPLATE_GTYPE(stock);
-    GstPadTemplate *allowed = padType == G_TYPE_NONE
-            ? gst_pad_template_new("sink", GST_PAD_SINK, GST_PAD_ALWAYS, caps)
-            : gst_pad_template_new_with_gtype("sink", GST_PAD_SINK, GST_PAD_ALWAYS, caps, padType);
-    gst_caps_unref(caps);
-    gst_element_class_add_pad_template(elementClass, allowed);
+    narrowPadTemplate(klass, "sink",
+                      "audio/x-raw, format=(string)S16LE, layout=(string)interleaved, "
+                      "rate=(int){ 32000, 44100, 48000 }, channels=(int)1; "
+                      "audio/x-raw, format=(string)S16LE, layout=(string)interleaved, "
+                      "rate=(int){ 32000, 44100, 48000 }, channels=(int)2, channel-mask=(bitmask)0x3");
 }
 
 bool registerSubclass(const char *stockName, const char *typeName, const char *name, GClassInitFunc classInit)

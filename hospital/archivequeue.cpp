@@ -231,12 +231,13 @@ void ArchiveQueue::add(const QString &file, const ObjectContext &context)
     // Without an ID an archive merges every such patient into one.
     const State first = context.study.hasPatientId() ? State::Waiting : State::NeedsPatientId;
     if (Item *known = itemOf(path)) {
-        if (known->state == State::NeedsPatientId) {
-            known->context = context;
-            known->context.sopInstanceUid = context.sopInstanceUid.isEmpty() ? DicomUid::make() : context.sopInstanceUid;
-        } else if (known->state != State::Failed) {
+        if (known->state != State::NeedsPatientId && known->state != State::Failed)
             return;
-        }
+        // Sent again as corrected since, and as the same instance: the
+        // archive never kept it.
+        const QString instance = known->context.sopInstanceUid;
+        known->context = context;
+        known->context.sopInstanceUid = instance.isEmpty() ? DicomUid::make() : instance;
         known->state = first;
         known->reason.clear();
         known->refusedBySettings = false;
@@ -261,15 +262,18 @@ void ArchiveQueue::add(const QString &file, const ObjectContext &context)
     dispatch();
 }
 
+void ArchiveQueue::forgetPicture(const QString &file)
+{
+    if (pictures.remove(QFileInfo(file).absoluteFilePath()) > 0)
+        save();
+}
+
 void ArchiveQueue::withdraw(const QString &file)
 {
     const QString path = QFileInfo(file).absoluteFilePath();
-    pictures.remove(path);
     Item *item = itemOf(path);
-    if (!item) {
-        save();
+    if (!item)
         return;
-    }
     if (item->state == State::Sending) {
         item->withdrawn = true;
         return;

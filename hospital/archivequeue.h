@@ -48,6 +48,8 @@ public:
     // The context known for a snapshot taken here, for a send asked later.
     void rememberPicture(const QString &file, const ObjectContext &context);
     bool knownPicture(const QString &file, ObjectContext *context) const;
+    // A deleted snapshot's context is of no more use.
+    void forgetPicture(const QString &file);
 
     // The program is ending: files are still queued, none is sent any more.
     void stopSending() { stopped = true; }

@@ -36,6 +36,7 @@ QVariantMap CaseInformation::toMap() const
     map.insert(QStringLiteral("Worklist"), scheduled);
     map.insert(QStringLiteral("StudyDateTime"), studyStarted.toString(Qt::ISODate));
     map.insert(QStringLiteral("InstanceNumber"), instanceNumber);
+    map.insert(QStringLiteral("Ended"), ended);
     return map;
 }
 
@@ -53,6 +54,7 @@ CaseInformation CaseInformation::fromMap(const QVariantMap &map)
         information.worklist.studyInstanceUid = information.studyInstanceUid;
     information.studyStarted = QDateTime::fromString(map.value(QStringLiteral("StudyDateTime")).toString(), Qt::ISODate);
     information.instanceNumber = qMax(1, map.value(QStringLiteral("InstanceNumber"), 1).toInt());
+    information.ended = map.value(QStringLiteral("Ended"), true).toBool();
     return information;
 }
 
@@ -63,6 +65,15 @@ void CaseInformation::write(const QString &informationPath) const
     const QVariantMap map = toMap();
     for (auto it = map.cbegin(); it != map.cend(); ++it)
         file.setValue(it.key(), it.value());
+    file.endGroup();
+}
+
+void CaseInformation::markEnded(const QString &informationPath)
+{
+    QSettings file(informationPath, QSettings::IniFormat);
+    file.beginGroup(group);
+    if (file.contains(QStringLiteral("Ended")))
+        file.setValue(QStringLiteral("Ended"), true);
     file.endGroup();
 }
 

@@ -21,6 +21,9 @@ struct CaseInformation
     QDateTime studyStarted; // one Study Date and Time for all of a study's objects
     QString seriesInstanceUid;
     int instanceNumber = 1; // the file's place in a split recording's series
+    // False from the start of a recording until the program saw it end: a
+    // movie left so was cut short by a crash.
+    bool ended = true;
 
     bool fromWorklist() const { return scheduled; }
     // Without an ID an archive cannot tell one patient from another; such a
@@ -35,6 +38,8 @@ struct CaseInformation
 
     void write(const QString &informationPath) const;
     static CaseInformation read(const QString &informationPath);
+    // Notes in the file that its recording has ended.
+    static void markEnded(const QString &informationPath);
 };
 
 namespace DicomUid {

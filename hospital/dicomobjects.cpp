@@ -166,8 +166,11 @@ QString movie(const QString &recordedFile, const ObjectContext &context, const Q
     if (!source.open(QIODevice::ReadOnly))
         return source.errorString();
     const qint64 size = source.size();
-    if (size >= qint64(0xfffffffe))
-        return QStringLiteral("%1 is larger than one DICOM object can hold (4 GB)").arg(QFileInfo(recordedFile).fileName());
+    if (size > DicomObjects::largestMovie())
+        return QStringLiteral("%1 is larger than one archive object can hold (%2 MB). Recordings made while "
+                              "automatic sending is on are split before that size.")
+                .arg(QFileInfo(recordedFile).fileName())
+                .arg(DicomObjects::largestMovie() >> 20);
 
     DcmFileFormat file;
     DcmDataset &dataset = *file.getDataset();
@@ -228,6 +231,26 @@ QString movie(const QString &recordedFile, const ObjectContext &context, const Q
 } // namespace
 
 namespace DicomObjects {
+
+namespace {
+// The one fragment's length is 32 bits, even, and not the undefined length.
+qint64 largest = qint64(0xfffffffc);
+} // namespace
+
+qint64 largestMovie()
+{
+    return largest;
+}
+
+void setLargestMovie(qint64 bytes)
+{
+    largest = bytes;
+}
+
+qint64 archivableFileSize()
+{
+    return largest / 4 * 3;
+}
 
 Kind kindOf(const QString &recordedFile)
 {

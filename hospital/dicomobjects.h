@@ -28,6 +28,15 @@ namespace DicomObjects {
 enum class Kind { Picture, Movie };
 
 Kind kindOf(const QString &recordedFile);
+// The largest movie one object can hold (4 GB, the length of its one
+// fragment); a test may lower it.
+qint64 largestMovie();
+void setLargestMovie(qint64 bytes);
+// While movies go to the archive by themselves a recording is split before
+// this, whatever size limit the user chose: room is left for the second it
+// takes to notice the size and to close the file.
+qint64 archivableFileSize();
+
 // The transfer syntax a movie's stream fits, or empty with `why` said: only
 // H.264 High Profile up to level 4.2 in 4:2:0 has one.
 QString movieTransferSyntax(const QString &recordedFile, QString *why);

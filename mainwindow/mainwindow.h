@@ -88,6 +88,9 @@ public:
     bool isCameraLive() const { return cameraLive; }
     bool isFullScreenFlagSet() const { return fullScreen; }
     qint64 currentSizeLimit() const { return sizeLimit; }
+    // The size a movie file is split at: the user's limit, and while movies
+    // go to the archive by themselves no more than one archive object holds.
+    qint64 splitSize() const;
     int currentResolutionIndex() const { return resolutionIndex; }
     int currentRotationMode() const { return rotationMode; }
     // A camera restart has not shown a frame in its format yet.

@@ -213,6 +213,7 @@ CaseInformation MainWindow::liveCase()
     information.studyStarted = caseStarted;
     information.seriesInstanceUid = recordingSeriesUid;
     information.instanceNumber = recordingFileNumber;
+    information.ended = false;
     return information;
 }
 
@@ -250,8 +251,8 @@ void MainWindow::setupArchive(QHBoxLayout *headerLayout, QWidget *header, QVBoxL
     bodyLayout->addWidget(archiveProgress);
     connect(thumbnailView->selectionModel(), &QItemSelectionModel::currentChanged, this, &MainWindow::updateArchiveButton);
     updatePatientIdField();
-    // A movie whose recording the program did not see end (it was closed
-    // or it crashed) is queued now.
+    // A movie whose recording the program did not see end (it crashed) is
+    // queued now.
     QTimer::singleShot(0, this, &MainWindow::queueUnsentMovies);
 }
 
@@ -330,6 +331,8 @@ ObjectContext MainWindow::snapshotContext()
 
 void MainWindow::movieFinished(const QString &moviePath)
 {
+    if (!moviePath.isEmpty())
+        CaseInformation::markEnded(StoragePaths::recordingInformationPath(moviePath));
     if (moviePath.isEmpty() || !QFileInfo::exists(moviePath) || !HospitalSettings::sendAutomatically()
         || !HospitalSettings::node(HospitalSettings::Role::Archive).isComplete())
         return;
@@ -344,16 +347,22 @@ void MainWindow::queueUnsentMovies()
     if (root.isEmpty())
         return;
     const QDir movies(StoragePaths::join(root, QStringLiteral("Movie")));
+    // A crash is found at the next start: the last days are enough, and a
+    // root of years of cases is not read through at every start.
+    const QDateTime recent = QDateTime::currentDateTime().addDays(-2);
     for (const QFileInfo &movie : movies.entryInfoList({ QStringLiteral("*.mp4") }, QDir::Files, QDir::Time)) {
+        if (movie.lastModified() < recent)
+            break;
         const QString path = movie.absoluteFilePath();
         if (isBeingRecorded(path) || archiveQueue->state(path) != ArchiveQueue::State::NotSent)
             continue;
-        // Only movies recorded with the archive's case information, and
-        // only once they hold a picture.
-        if (!CaseInformation::read(StoragePaths::recordingInformationPath(path)).isKnown() || movie.size() < 1024)
+        // Only movies whose end the program never saw: older ones were
+        // sent, or not, as the user wanted then.
+        const QString information = StoragePaths::recordingInformationPath(path);
+        if (CaseInformation::read(information).ended || movie.size() < 1024)
             continue;
-        qCInfo(lcHospital) << "a movie the queue did not know, queued at start:" << path;
-        archiveQueue->add(path, movieContext(path));
+        qCInfo(lcHospital) << "a movie cut short, queued at start:" << path;
+        movieFinished(path);
     }
 }
 

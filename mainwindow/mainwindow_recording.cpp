@@ -19,6 +19,8 @@
 #include "app/orvixlogging.h"
 #include "app/settingskeys.h"
 #include "capture/recordingelements.h"
+#include "hospital/dicomnode.h"
+#include "hospital/dicomobjects.h"
 #include "mainwindow/moviepicture.h"
 #include "mainwindow/sizelimit.h"
 #include "storage/recordinginformation.h"
@@ -234,10 +236,20 @@ void MainWindow::beginMovieFile(const QString &path)
     lastMovieFile = path;
 }
 
+qint64 MainWindow::splitSize() const
+{
+    // A movie goes to the archive as one object, which holds 4 GB at most:
+    // while movies are sent by themselves, none grows past that.
+    if (!HospitalSettings::sendAutomatically() || !HospitalSettings::node(HospitalSettings::Role::Archive).isComplete())
+        return sizeLimit;
+    const qint64 archivable = DicomObjects::archivableFileSize();
+    return sizeLimit > 0 ? qMin(sizeLimit, archivable) : archivable;
+}
+
 void MainWindow::watchMovieFile(const QString &path)
 {
     abortFileSplitTask();
-    fileSplitTask = new OrvixFileSplitTask(path, sizeLimit, nullptr);
+    fileSplitTask = new OrvixFileSplitTask(path, splitSize(), nullptr);
     fileSplitConnection = connect(fileSplitTask, SIGNAL(splitFile()), this, SLOT(splitVideoFile()));
     OrvixBasicTask::runInThread(fileSplitTask);
 

@@ -73,6 +73,7 @@ void MainWindow::removeSelectedFile()
     // A deleted file is never sent, also when its copy for the archive was
     // made before.
     archiveQueue->withdraw(path);
+    archiveQueue->forgetPicture(path);
     QFile::remove(StoragePaths::recordingInformationPath(path));
     QFile::remove(path);
     // The list may have been made again while the question was open (a file

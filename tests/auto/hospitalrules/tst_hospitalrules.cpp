@@ -3,6 +3,7 @@
 // stream fits, whole objects checked by a DICOM validator, and what each of
 // an archive's answers to a store means.
 #include <QFile>
+#include <QFileInfo>
 #include <QImage>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -12,10 +13,10 @@
 #include <dcmtk/dcmdata/dcfilefo.h>
 #include <dcmtk/dcmdata/dcxfer.h>
 
+#include "dicomvalidator.h"
 #include "hospital/dicomnetwork.h"
 #include "hospital/dicomobjects.h"
 #include "hospital/dicomtext.h"
-#include "dicomvalidator.h"
 #include "orvixtest.h"
 
 namespace {
@@ -160,6 +161,11 @@ private slots:
         QCOMPARE(error.isEmpty(), !syntax.isEmpty());
         if (syntax.isEmpty())
             return;
+        // A movie larger than one object holds is refused, and says so.
+        DicomObjects::setLargestMovie(QFileInfo(movie).size() - 1);
+        const QString tooLarge = DicomObjects::write(movie, context, object + QStringLiteral(".large"));
+        DicomObjects::setLargestMovie(qint64(0xfffffffc));
+        QVERIFY2(tooLarge.contains(QLatin1String("larger than one archive object can hold")), qPrintable(tooLarge));
         DcmFileFormat file;
         QVERIFY(file.loadFile(object.toLocal8Bit().constData()).good());
         QCOMPARE(QString::fromLatin1(DcmXfer(file.getDataset()->getOriginalXfer()).getXferID()), syntax);

@@ -398,6 +398,14 @@ private slots:
             QVERIFY(window.archive()->state(file) != ArchiveQueue::State::Sent);
         // The movie the crash cut short was found and queued at the start.
         QVERIFY(window.archive()->state(cutShort) != ArchiveQueue::State::NotSent);
+        // The snapshot's copy damaged on the disk, as a power cut can leave
+        // it: built again, as the same instance.
+        ObjectContext pictureContext;
+        QVERIFY(window.archive()->context(files[1], &pictureContext) && !pictureContext.sopInstanceUid.isEmpty());
+        const QDir outbox(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + QStringLiteral("/archive/outbox"));
+        const QStringList copies = outbox.entryList({ "*.dcm" }, QDir::Files, QDir::Size | QDir::Reversed);
+        QVERIFY(!copies.isEmpty());
+        QVERIFY(QFile::resize(outbox.filePath(copies.first()), 100));
         QVERIFY2(archive.start(&error), qPrintable(error));
         window.archive()->retryNow();
         for (const QString &file : std::as_const(files))
@@ -405,6 +413,11 @@ private slots:
         QCOMPARE(archive.get(QStringLiteral("/instances")).toArray().size(), before + 3);
         QTest::qWait(2000);
         QCOMPARE(archive.get(QStringLiteral("/instances")).toArray().size(), before + 3);
+        bool pictureArrived = false;
+        for (const QJsonValue &value : archive.get(QStringLiteral("/instances?expand")).toArray())
+            pictureArrived |= value.toObject().value("MainDicomTags").toObject().value("SOPInstanceUID").toString()
+                    == pictureContext.sopInstanceUid;
+        QVERIFY(pictureArrived);
         // And said once, in one box, while it was away.
         QCOMPARE(window.findChildren<QMessageBox *>(QStringLiteral("ArchiveNotice")).size(), 1);
         // The recording went on while the archive was away, and the
@@ -427,10 +440,7 @@ private slots:
         const int before = archive.get(QStringLiteral("/instances")).toArray().size();
         std::optional<MainWindow> window;
         window.emplace();
-        window->resize(1280, 720);
-        window->show();
-        QVERIFY(QTest::qWaitForWindowExposed(&*window));
-        QTRY_VERIFY_WITH_TIMEOUT(window->isCameraLive(), 10000);
+        QVERIFY(showLive(*window));
         ArchiveQueue *queue = window->archive();
         auto *view = window->findChild<QListView *>(QStringLiteral("ThumbnailView"));
         auto *model = qobject_cast<OrvixStorageModel *>(view->model());
@@ -611,10 +621,7 @@ private slots:
         HospitalSettings::setNode(HospitalSettings::Role::Archive, unknown);
         std::optional<MainWindow> window;
         window.emplace();
-        window->resize(1280, 720);
-        window->show();
-        QVERIFY(QTest::qWaitForWindowExposed(&*window));
-        QTRY_VERIFY_WITH_TIMEOUT(window->isCameraLive(), 10000);
+        QVERIFY(showLive(*window));
         ArchiveQueue *queue = window->archive();
         auto *view = window->findChild<QListView *>(QStringLiteral("ThumbnailView"));
         auto *model = qobject_cast<OrvixStorageModel *>(view->model());
@@ -700,11 +707,48 @@ private slots:
         QCOMPARE(sendButton->text(), QStringLiteral("Send again"));
         sendButton->click();
         QTRY_COMPARE_WITH_TIMEOUT(queue->state(movie), ArchiveQueue::State::Sent, 20000);
+
+        // A recording longer than one archive object holds (lowered here
+        // to 8 MB): split before it while sending is on, whatever the File
+        // Size, and every part archived as a playable instance of one
+        // series.
+        DicomObjects::setLargestMovie(8 << 20);
+        QCOMPARE(window->splitSize(), qint64(6 << 20));
+        window->captureVideo();
+        QTRY_COMPARE_WITH_TIMEOUT(window->currentRecorder()->recorderState(), QMediaRecorder::RecordingState, 5000);
+        const QString longFirst = window->recordingFile();
+        QTRY_VERIFY_WITH_TIMEOUT(!window->recordingFile().isEmpty() && window->recordingFile() != longFirst, 30000);
+        QTest::qWait(1500);
+        window->captureVideo();
+        QTRY_VERIFY_WITH_TIMEOUT(window->recordingFile().isEmpty(), 10000);
+        DicomObjects::setLargestMovie(qint64(0xfffffffc));
+        const QStringList parts = QDir(root + QStringLiteral("Movie")).entryList({ "refused_*.mp4" }, QDir::Files, QDir::Name);
+        QSet<QString> series;
+        int archived = 0;
+        for (const QString &name : parts) {
+            const QString part = root + QStringLiteral("Movie/") + name;
+            if (name == QFileInfo(movie).fileName())
+                continue;
+            QVERIFY2(QFileInfo(part).size() < (8 << 20), qPrintable(QString::number(QFileInfo(part).size())));
+            QTRY_COMPARE_WITH_TIMEOUT(queue->state(part), ArchiveQueue::State::Sent, 20000);
+            series.insert(CaseInformation::read(StoragePaths::recordingInformationPath(part)).seriesInstanceUid);
+            ++archived;
+        }
+        QVERIFY2(archived >= 2, qPrintable(parts.join(QLatin1Char(' '))));
+        QCOMPARE(series.size(), 1);
         window.reset();
         HospitalSettings::setSendAutomatically(false);
     }
 
 private:
+    // A window as the user meets it: shown, its camera live.
+    static bool showLive(MainWindow &window)
+    {
+        window.resize(1280, 720);
+        window.show();
+        return QTest::qWaitForWindowExposed(&window) && QTest::qWaitFor([&] { return window.isCameraLive(); }, 10000);
+    }
+
     // What arrived, read back through Orthanc's REST API.
     void checkArchived(const QString &movie, const QString &picture, const QString &studyUid)
     {
