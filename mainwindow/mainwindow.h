@@ -467,7 +467,8 @@ private:
     void updatePatientIdField();
     QString livePatientIdText() const;
     void showArchivedPatientId();
-    void saveBrowsedPatientId();
+    // `before`: what the movie went out with before this correction.
+    void saveBrowsedPatientId(const ObjectContext &before);
     void updateArchiveButton();
     QString archiveSummary(const QString &file) const;
     bool isBeingRecorded(const QString &file) const;

@@ -14,6 +14,7 @@
 #include <QMessageBox>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QSettings>
 #include <QStandardPaths>
 #include <QVBoxLayout>
 
@@ -287,7 +288,9 @@ ObjectContext MainWindow::movieContext(const QString &moviePath) const
         take(context.hospital, shown.hospital);
         take(context.description, shown.fileName);
         const QString patient = shown.patient.trimmed().isEmpty() ? typed.patient : shown.patient;
-        const QString id = corrected.worklist.patientId;
+        // An ID never saved from the browser corrects nothing either.
+        const bool idSaved = QSettings(browserPath, QSettings::IniFormat).contains(QStringLiteral("PACS/PatientID"));
+        const QString id = idSaved ? corrected.worklist.patientId : context.study.worklist.patientId;
         if (patient != typed.patient || id != context.study.worklist.patientId) {
             // Another patient: nothing of the worklist's case stays with it.
             CaseInformation other;
@@ -545,34 +548,42 @@ void MainWindow::showArchivedPatientId()
     patientIdField->setToolTip(file.isEmpty() ? QString() : archiveSummary(file));
 }
 
-void MainWindow::saveBrowsedPatientId()
+void MainWindow::saveBrowsedPatientId(const ObjectContext &before)
 {
     if (!patientIdField || currentMoviePath.isEmpty())
         return;
     // The ID beside the browser's texts; a new patient gets a study of its
     // own, kept with the correction so that every send of it agrees.
     const QString browserPath = StoragePaths::browserInformationPath(currentMoviePath);
-    const ObjectContext before = movieContext(currentMoviePath);
-    CaseInformation corrected = CaseInformation::read(browserPath);
-    corrected.worklist.patientId = patientIdField->text().trimmed();
-    corrected.studyInstanceUid.clear();
-    corrected.write(browserPath);
+    const auto keep = [&browserPath](const QString &id, const QString &study) {
+        QSettings file(browserPath, QSettings::IniFormat);
+        file.setValue(QStringLiteral("PACS/PatientID"), id);
+        file.setValue(QStringLiteral("PACS/StudyInstanceUID"), study);
+    };
+    const QString id = patientIdField->text().trimmed();
+    keep(id, QString());
     ObjectContext after = movieContext(currentMoviePath);
     if (!after.study.fromWorklist()) {
         const bool samePatient = after.study.worklist.patientName == before.study.worklist.patientName
                 && after.study.worklist.patientId == before.study.worklist.patientId && !before.study.fromWorklist();
-        corrected.studyInstanceUid = samePatient && !before.study.studyInstanceUid.isEmpty() ? before.study.studyInstanceUid
-                                                                                          : DicomUid::make();
-        corrected.write(browserPath);
+        keep(id, samePatient && !before.study.studyInstanceUid.isEmpty() ? before.study.studyInstanceUid : DicomUid::make());
         after = movieContext(currentMoviePath);
     }
     const QString name = QFileInfo(currentMoviePath).fileName();
+    // Only what the archive holds matters here; the comment never goes.
+    const auto archived = [](const ObjectContext &context) {
+        return QStringList { DicomText::personName(context.study.worklist.patientName.isEmpty() ? context.patientName
+                                                                                             : context.study.worklist.patientName),
+                             context.study.worklist.patientId, context.doctor, context.hospital, context.description };
+    };
+    const bool changed = archived(before) != archived(after);
     switch (archiveQueue->state(currentMoviePath)) {
     case ArchiveQueue::State::Sent:
     case ArchiveQueue::State::Sending:
-        showArchiveProblem(tr("%1 has already been sent. The archive keeps what it received; the correction is kept "
-                              "here only. Correct it in the archive as well.")
-                                   .arg(name));
+        if (changed)
+                showArchiveProblem(tr("%1 has already been sent. The archive keeps what it received; the correction is "
+                                  "kept here only. Correct it in the archive as well.")
+                                       .arg(name));
         break;
     case ArchiveQueue::State::Waiting:
     case ArchiveQueue::State::NeedsPatientId:

@@ -115,8 +115,9 @@ void MainWindow::toggleInformationEdit()
         enableInformationFields(true);
         informationRefreshButton->show();
     } else {
+        const ObjectContext before = movieContext(currentMoviePath);
         panelInformation().write(StoragePaths::browserInformationPath(currentMoviePath));
-        saveBrowsedPatientId();
+        saveBrowsedPatientId(before);
         enableInformationFields(false);
         informationRefreshButton->hide();
     }

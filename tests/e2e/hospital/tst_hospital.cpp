@@ -12,6 +12,7 @@
 #include <QTableWidget>
 #include <QStandardPaths>
 #include <QTcpServer>
+#include <QTextEdit>
 
 #include <csignal>
 #include <optional>
@@ -549,6 +550,19 @@ private slots:
             const QString hospital = tags.value("InstitutionName").toString();
             QVERIFY2(hospital.startsWith(QLatin1String("St.Mary hh")) && hospital.toUtf8().size() <= 64, qPrintable(hospital));
         }
+
+        // A comment added to a sent movie: nothing the archive holds has
+        // changed, so nothing is said, and its patient stays.
+        open(part1);
+        QTRY_VERIFY(editButton->isVisible());
+        editButton->click();
+        window->findChild<QTextEdit *>(QStringLiteral("InformationCommentEdit"))->setText(QStringLiteral("gallstones"));
+        editButton->click();
+        QCOMPARE(patientId->text(), QStringLiteral("S-1"));
+        QMessageBox *said = window->findChild<QMessageBox *>(QStringLiteral("ArchiveNotice"));
+        const QString saidText = said && said->isVisible() ? said->text() : QString();
+        QVERIFY2(!saidText.contains(QLatin1String("already been sent")), qPrintable(saidText));
+        QVERIFY(patientId->toolTip().contains(QLatin1String("Patient: Smith, John")));
 
         // The archive away: a snapshot deleted, another cancelled. Neither
         // is ever sent, also though their copies were made.
