@@ -95,8 +95,10 @@ void MainWindow::updatePatientIdField()
     patientIdLabel->setVisible(shown);
     patientIdField->setVisible(shown);
     patientIdField->setEnabled(informationFields[patientField]->isEnabled());
-    // The worklist's patient keeps the worklist's ID.
-    patientIdField->setReadOnly(liveInformationShown && !chosenWorklistEntry.studyInstanceUid.isEmpty());
+    // The worklist's patient keeps the worklist's ID; one the worklist gave
+    // none is typed.
+    patientIdField->setReadOnly(liveInformationShown && !chosenWorklistEntry.studyInstanceUid.isEmpty()
+                                && !chosenWorklistEntry.patientId.isEmpty());
 }
 
 QString MainWindow::livePatientIdText() const
@@ -190,6 +192,8 @@ CaseInformation MainWindow::liveCase()
     QString key;
     if (!chosenWorklistEntry.studyInstanceUid.isEmpty()) {
         information.worklist = chosenWorklistEntry;
+        if (information.worklist.patientId.isEmpty())
+            information.worklist.patientId = livePatientIdText();
         information.scheduled = true;
         information.studyInstanceUid = chosenWorklistEntry.studyInstanceUid;
         key = QStringLiteral("worklist|") + chosenWorklistEntry.studyInstanceUid;

@@ -8,6 +8,7 @@
 #include <QMediaRecorder>
 #include <QPushButton>
 #include <QSettings>
+#include <QSignalSpy>
 #include <QSpinBox>
 #include <QTableWidget>
 #include <QStandardPaths>
@@ -672,7 +673,7 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(queue->state(refused, &reason), ArchiveQueue::State::Failed, 15000);
         QVERIFY2(reason.contains(QLatin1String("refused the connection of this station")), qPrintable(reason));
         QTRY_VERIFY2(notice().contains(QLatin1String("was not accepted by the archive")), qPrintable(notice()));
-        QTest::qWait(7000);
+        QTest::qWait(6000); // past the first retry a waiting file would get
         QCOMPARE(queue->state(refused), ArchiveQueue::State::Failed);
         QCOMPARE(archive.log().count(QLatin1String("Rejected association")) - rejectedBefore, 1);
         window->showHospitalSettings();
@@ -688,7 +689,7 @@ private slots:
         const QString busy = snapshot();
         QVERIFY(!busy.isEmpty());
         QTRY_VERIFY_WITH_TIMEOUT(archive.log().count(QLatin1String("Error in the Lua callback")) > busyBefore, 15000);
-        QTest::qWait(8000);
+        QTest::qWait(6500); // the first retry, not the second
         QCOMPARE(queue->state(busy, &reason), ArchiveQueue::State::Waiting);
         QVERIFY2(reason.contains(QLatin1String("out of resources")), qPrintable(reason));
         const int tries = archive.log().count(QLatin1String("Error in the Lua callback")) - busyBefore;
@@ -698,11 +699,12 @@ private slots:
         sendButton->click();
         QCOMPARE(queue->state(busy), ArchiveQueue::State::NotSent);
 
-        // No MPEG-4 movies: the movie fails with the reason, its snapshot
-        // goes; "Send again" once the archive takes movies.
-        archive.stop();
-        archive.acceptsMovies = false;
-        QVERIFY2(archive.start(&error), qPrintable(error));
+        // An archive that takes no MPEG-4 movies: the movie fails with the
+        // reason, its snapshot goes; "Send again" to an archive that does.
+        OrthancServer movieless;
+        movieless.acceptsMovies = false;
+        QVERIFY2(movieless.start(&error), qPrintable(error));
+        HospitalSettings::setNode(HospitalSettings::Role::Archive, movieless.node(QStringLiteral("OR1")));
         field("InformationHospitalNameEdit")->setText(QStringLiteral("St. Elisabeth"));
         window->captureVideo();
         QTRY_COMPARE_WITH_TIMEOUT(window->currentRecorder()->recorderState(), QMediaRecorder::RecordingState, 5000);
@@ -713,9 +715,7 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(queue->state(movie, &reason), ArchiveQueue::State::Failed, 20000);
         QVERIFY2(reason.contains(QLatin1String("1.2.840.10008.1.2.4.102")), qPrintable(reason));
         QTRY_COMPARE_WITH_TIMEOUT(queue->state(picture), ArchiveQueue::State::Sent, 15000);
-        archive.stop();
-        archive.acceptsMovies = true;
-        QVERIFY2(archive.start(&error), qPrintable(error));
+        HospitalSettings::setNode(HospitalSettings::Role::Archive, archive.node(QStringLiteral("OR1")));
         QTRY_VERIFY_WITH_TIMEOUT(model->itemForName(QFileInfo(movie).fileName()), 5000);
         view->setCurrentIndex(model->itemForName(QFileInfo(movie).fileName())->index());
         QCOMPARE(sendButton->text(), QStringLiteral("Send again"));
@@ -752,6 +752,34 @@ private slots:
         QCOMPARE(series.size(), 1);
         window.reset();
         HospitalSettings::setSendAutomatically(false);
+    }
+
+    // A queue whose file cannot be written (here a folder stands in its
+    // place): what was sent stays in the outbox, since the queue on disk
+    // does not say sent, and the user hears of it once.
+    void queueThatCannotBeSaved()
+    {
+        HospitalSettings::setNode(HospitalSettings::Role::Archive, archive.node(QStringLiteral("OR1")));
+        QTemporaryDir folder;
+        QVERIFY(QDir(folder.path()).mkpath(QStringLiteral("queue.json/in the way")));
+        ArchiveQueue queue(folder.path());
+        QSignalSpy problems(&queue, &ArchiveQueue::problem);
+        const QString picture = folder.filePath(QStringLiteral("260101_080000.jpg"));
+        QImage image(320, 180, QImage::Format_RGB32);
+        image.fill(Qt::darkGreen);
+        QVERIFY(image.save(picture, "JPG"));
+        ObjectContext context;
+        context.patientName = QStringLiteral("Queue, Kept");
+        context.study.worklist.patientId = QStringLiteral("Q-1");
+        context.study.studyInstanceUid = DicomUid::make();
+        context.study.seriesInstanceUid = DicomUid::make();
+        context.taken = QDateTime::currentDateTime();
+        queue.add(picture, context);
+        QTRY_COMPARE_WITH_TIMEOUT(queue.state(picture), ArchiveQueue::State::Sent, 15000);
+        QTest::qWait(500);
+        QCOMPARE(QDir(folder.filePath(QStringLiteral("outbox"))).entryList({ "*.dcm" }).size(), 1);
+        QCOMPARE(problems.size(), 1);
+        QVERIFY2(problems[0][0].toString().contains(QLatin1String("cannot be saved")), qPrintable(problems[0][0].toString()));
     }
 
 private:
