@@ -283,7 +283,7 @@ private slots:
         filter->setFocus();
         QTest::keyClicks(filter, QStringLiteral("M"));
         QTest::keyClick(filter, Qt::Key_Return);
-        QVERIFY2(window.worklistDialog(), "Return in the filter closed the worklist");
+        QVERIFY2(window.worklistDialog() && window.worklistDialog()->isVisible(), "Return in the filter closed the worklist");
         QTRY_VERIFY_WITH_TIMEOUT(!worklist->isAsking(), 15000);
         QVERIFY2(patient->text().isEmpty(), qPrintable(patient->text()));
         QCOMPARE(worklist->table()->rowCount(), 1);
