@@ -21,6 +21,7 @@
 #include "app/orvixlogging.h"
 #include "capture/recordingelements.h"
 #include "hospital/dicomnetwork.h"
+#include "hospital/dicomtext.h"
 #include "tasks/threadpriority.h"
 
 namespace {
@@ -67,10 +68,17 @@ QString stateKey(ArchiveQueue::State state)
         return QStringLiteral("failed");
     case ArchiveQueue::State::NeedsPatientId:
         return QStringLiteral("needs-patient-id");
+    case ArchiveQueue::State::Kept:
+        return QStringLiteral("kept");
     default:
         return QStringLiteral("waiting");
     }
 }
+
+const char *const kindKeys[] = { "object", "step-start", "step-end", "commitment" };
+} // namespace
+
+namespace {
 } // namespace
 
 // On the disk itself before the name says the object is whole: after a
@@ -339,6 +347,8 @@ QString ArchiveQueue::stateText(State state)
         return tr("failed");
     case State::NeedsPatientId:
         return tr("needs a patient ID");
+    case State::Kept:
+        return tr("kept by the archive");
     }
     return QString();
 }
@@ -346,7 +356,7 @@ QString ArchiveQueue::stateText(State state)
 int ArchiveQueue::waitingCount() const
 {
     return int(std::count_if(items.cbegin(), items.cend(), [](const Item &item) {
-        return item.state == State::Waiting || item.state == State::Sending;
+        return item.kind == Kind::Object && (item.state == State::Waiting || item.state == State::Sending);
     }));
 }
 
@@ -379,31 +389,109 @@ void ArchiveQueue::retryNow()
         }
     }
     unreachableSaid = false;
+    commitmentRefused = false;
     save();
     retryTimer.stop();
     dispatch();
+}
+
+ArchiveQueue::Item *ArchiveQueue::nextItem(QDateTime *soonest)
+{
+    const QDateTime now = QDateTime::currentDateTimeUtc();
+    const int wait = HospitalSettings::commitmentWaitSeconds();
+    for (Item &item : items) {
+        // A request the archive took but never answered is asked again.
+        if (item.kind == Kind::Commitment && item.state == State::Sent) {
+            const QDateTime again = item.askedAt.addSecs(wait);
+            if (again <= now) {
+                qCInfo(lcHospital) << "no commitment report for" << item.transactionUid << "- asked again";
+                item.state = State::Waiting;
+                item.transactionUid = DicomUid::make();
+                for (const QString &member : std::as_const(item.members)) {
+                    if (Item *object = itemOf(member))
+                        object->transactionUid = item.transactionUid;
+                }
+            } else if (!soonest->isValid() || again < *soonest) {
+                *soonest = again;
+            }
+        }
+        if (item.state != State::Waiting)
+            continue;
+        if (item.kind == Kind::StepEnd) {
+            QString refusal;
+            if (!stepEndReady(item, &refusal))
+                continue;
+        }
+        if (!item.nextTry.isValid() || item.nextTry <= now)
+            return &item;
+        if (!soonest->isValid() || item.nextTry < *soonest)
+            *soonest = item.nextTry;
+    }
+    return nullptr;
+}
+
+bool ArchiveQueue::stepEndReady(const Item &end, QString *refusal) const
+{
+    // In order: after the step's start, and after every object of the case
+    // that is still on its way, so that the end names what arrived.
+    for (const Item &item : items) {
+        const bool pending = item.state == State::Waiting || item.state == State::Sending;
+        if (item.kind == Kind::StepStart && item.stepUid == end.stepUid) {
+            if (item.state == State::Failed)
+                *refusal = item.reason;
+            if (pending)
+                return false;
+        }
+        if (item.kind == Kind::Object && pending && item.context.study.performedStepUid == end.stepUid)
+            return false;
+    }
+    return true;
+}
+
+void ArchiveQueue::askForCommitment()
+{
+    if (commitmentRefused || HospitalSettings::commitmentPort() <= 0)
+        return;
+    QStringList members;
+    for (const Item &item : std::as_const(items)) {
+        if (item.kind != Kind::Object)
+            continue;
+        // Asked once the archive is idle: one request for all that went.
+        if (item.state == State::Waiting || item.state == State::Sending)
+            return;
+        if (item.state == State::Sent && item.transactionUid.isEmpty())
+            members.append(item.file);
+    }
+    if (members.isEmpty())
+        return;
+    Item request;
+    request.kind = Kind::Commitment;
+    request.transactionUid = DicomUid::make();
+    request.file = QStringLiteral("commitment:") + request.transactionUid;
+    request.members = members;
+    for (const QString &member : std::as_const(members))
+        itemOf(member)->transactionUid = request.transactionUid;
+    indexOf.insert(request.file, items.size());
+    items.append(request);
+    save();
 }
 
 void ArchiveQueue::dispatch()
 {
     if (busy || stopped)
         return;
-    const QDateTime now = QDateTime::currentDateTimeUtc();
-    Item *next = nullptr;
+    askForCommitment();
     QDateTime soonest;
-    for (Item &item : items) {
-        if (item.state != State::Waiting)
-            continue;
-        if (!item.nextTry.isValid() || item.nextTry <= now) {
-            next = &item;
-            break;
-        }
-        if (!soonest.isValid() || item.nextTry < soonest)
-            soonest = item.nextTry;
-    }
+    Item *next = nextItem(&soonest);
     if (!next) {
-        if (soonest.isValid())
-            retryTimer.start(int(qBound<qint64>(0, now.msecsTo(soonest), qint64(longestRetrySeconds) * 1000)));
+        if (soonest.isValid()) {
+            const qint64 wait = QDateTime::currentDateTimeUtc().msecsTo(soonest);
+            retryTimer.start(int(qBound<qint64>(0, wait, qint64(longestRetrySeconds) * 1000)));
+        }
+        return;
+    }
+    if (next->kind != Kind::Object) {
+        sendMessage(*next);
         return;
     }
     const DicomNode node = HospitalSettings::node(HospitalSettings::Role::Archive);
@@ -419,11 +507,242 @@ void ArchiveQueue::dispatch()
                               Q_ARG(DicomNode, node));
 }
 
+void ArchiveQueue::sendMessage(Item &item)
+{
+    const bool toArchive = item.kind == Kind::Commitment;
+    const DicomNode node = HospitalSettings::node(toArchive ? HospitalSettings::Role::Archive
+                                                            : HospitalSettings::Role::PerformedSteps);
+    if (!node.isComplete())
+        return;
+    if (item.kind == Kind::StepEnd) {
+        QString refusal;
+        stepEndReady(item, &refusal);
+        if (!refusal.isEmpty()) {
+            // The system never took the step's start; its end would be
+            // refused as well.
+            StoreOutcome outcome { StoreOutcome::Kind::Lasting, refusal };
+            messageFinished(item, outcome);
+            dispatch();
+            return;
+        }
+    }
+    busy = true;
+    item.state = State::Sending;
+    const QString key = item.file;
+    std::function<StoreOutcome()> job;
+    if (item.kind == Kind::Commitment) {
+        QList<ObjectReference> objects;
+        for (const QString &member : std::as_const(item.members)) {
+            if (const Item *object = itemOf(member))
+                objects.append(DicomObjects::reference(object->file, object->context));
+        }
+        job = [node, transaction = item.transactionUid, objects] {
+            return DicomNetwork::askCommitment(node, transaction, objects);
+        };
+    } else {
+        const PerformedStep step = steps.value(item.stepUid);
+        const QString archive = HospitalSettings::node(HospitalSettings::Role::Archive).calledAeTitle;
+        if (item.kind == Kind::StepStart)
+            job = [node, step] { return DicomNetwork::startPerformedStep(node, step); };
+        else
+            job = [node, step, archive] { return DicomNetwork::endPerformedStep(node, step, archive); };
+    }
+    QObject *sender = worker;
+    QMetaObject::invokeMethod(sender, [sender, key, job] {
+        const StoreOutcome outcome = job();
+        QMetaObject::invokeMethod(sender, "done", Qt::DirectConnection, Q_ARG(QString, key), Q_ARG(QString, QString()),
+                                  Q_ARG(StoreOutcome, outcome));
+    }, Qt::QueuedConnection);
+}
+
+void ArchiveQueue::messageFinished(Item &item, const StoreOutcome &outcome)
+{
+    using Kind = StoreOutcome::Kind;
+    item.reason = outcome.text;
+    item.refusedBySettings = outcome.refusedBySettings;
+    const QString key = item.file;
+    if (outcome.kind == Kind::Stored) {
+        if (item.kind == ArchiveQueue::Kind::Commitment) {
+            item.state = State::Sent;
+            item.askedAt = QDateTime::currentDateTimeUtc();
+            qCInfo(lcHospital) << "the archive was asked to commit" << item.members.size() << "files:" << item.transactionUid;
+        } else {
+            qCInfo(lcHospital) << (item.kind == ArchiveQueue::Kind::StepStart ? "step started:" : "step ended:")
+                               << item.stepUid;
+            if (item.kind == ArchiveQueue::Kind::StepEnd) {
+                // Nothing more is said of the step: its start and end leave.
+                const QString step = item.stepUid;
+                steps.remove(step);
+                for (qsizetype at = items.size() - 1; at >= 0; --at) {
+                    if (items[at].stepUid == step && items[at].kind != ArchiveQueue::Kind::Object)
+                        drop(items[at].file);
+                }
+                save();
+                return;
+            }
+            item.state = State::Sent;
+        }
+    } else if (outcome.kind == Kind::Transient) {
+        ++item.attempts;
+        item.state = State::Waiting;
+        const int wait = qMin(longestRetrySeconds, firstRetrySeconds << qMin(item.attempts - 1, 4));
+        item.nextTry = QDateTime::currentDateTimeUtc().addSecs(wait);
+        qCWarning(lcHospital) << key << "not reached, again in" << wait << "s:" << outcome.text;
+    } else if (item.kind == ArchiveQueue::Kind::Commitment) {
+        // An archive that does not commit is not asked again until the
+        // settings change; its files stay "sent".
+        commitmentRefused = true;
+        for (const QString &member : std::as_const(item.members)) {
+            if (Item *object = itemOf(member))
+                object->transactionUid.clear();
+        }
+        drop(key);
+        qCWarning(lcHospital) << "the archive refused to commit:" << outcome.text;
+        emit problem(tr("The archive does not confirm that it keeps what it received: %1\n\nFiles stay marked "
+                        "\"sent\", and none is removed from this computer.")
+                             .arg(outcome.text));
+    } else {
+        item.state = State::Failed;
+        qCWarning(lcHospital) << key << "refused:" << outcome.text;
+        const PerformedStep step = steps.value(item.stepUid);
+        emit problem(tr("The hospital's system did not take the %1 of the case of %2: %3\n\nThe movies and "
+                        "snapshots are not affected; tell the hospital's IT.")
+                             .arg(item.kind == ArchiveQueue::Kind::StepStart ? tr("start") : tr("end"),
+                                  DicomText::readableName(step.study.worklist.patientName), outcome.text));
+    }
+    save();
+}
+
+void ArchiveQueue::startStep(const PerformedStep &step)
+{
+    if (!HospitalSettings::node(HospitalSettings::Role::PerformedSteps).isComplete() || step.uid.isEmpty()
+        || steps.contains(step.uid))
+        return;
+    steps.insert(step.uid, step);
+    Item item;
+    item.kind = Kind::StepStart;
+    item.stepUid = step.uid;
+    item.file = QStringLiteral("step-start:") + step.uid;
+    indexOf.insert(item.file, items.size());
+    items.append(item);
+    save();
+    dispatch();
+}
+
+void ArchiveQueue::endStep(const QString &stepUid, const QDateTime &ended, bool keptSomething)
+{
+    auto found = steps.find(stepUid);
+    if (found == steps.end() || itemOf(QStringLiteral("step-end:") + stepUid))
+        return;
+    found->ended = ended;
+    found->status = keptSomething ? PerformedStep::Status::Completed : PerformedStep::Status::Discontinued;
+    Item item;
+    item.kind = Kind::StepEnd;
+    item.stepUid = stepUid;
+    item.file = QStringLiteral("step-end:") + stepUid;
+    indexOf.insert(item.file, items.size());
+    items.append(item);
+    save();
+    dispatch();
+}
+
+bool ArchiveQueue::hasStep(const QString &stepUid) const
+{
+    return steps.contains(stepUid);
+}
+
+void ArchiveQueue::recordPerformed(const Item &object)
+{
+    auto step = steps.find(object.context.study.performedStepUid);
+    if (step == steps.end())
+        return;
+    const ObjectReference reference = DicomObjects::reference(object.file, object.context);
+    if (!step->performed.contains(reference))
+        step->performed.append(reference);
+}
+
+void ArchiveQueue::takeReport(const CommitmentReport &report)
+{
+    const auto request = std::find_if(items.begin(), items.end(), [&report](const Item &item) {
+        return item.kind == Kind::Commitment && item.transactionUid == report.transactionUid;
+    });
+    if (request == items.end()) {
+        qCInfo(lcHospital) << "a commitment report for a transaction not asked for, ignored:" << report.transactionUid;
+        return;
+    }
+    const QStringList members = request->members;
+    const QString key = request->file;
+    QStringList changed;
+    for (const QString &member : members) {
+        Item *object = itemOf(member);
+        if (!object || object->transactionUid != report.transactionUid)
+            continue;
+        object->transactionUid.clear();
+        const QString instance = object->context.sopInstanceUid;
+        const auto failure = std::find_if(report.failed.cbegin(), report.failed.cend(),
+                                          [&instance](const auto &failed) { return failed.first == instance; });
+        if (report.kept.contains(instance)) {
+            object->state = State::Kept;
+            object->reason.clear();
+            qCInfo(lcHospital) << "kept by the archive:" << member;
+        } else if (failure != report.failed.cend()) {
+            const QString why = StorageCommitment::reasonText(failure->second);
+            if (failure->second == StorageCommitment::noSuchObject && object->resends < 2) {
+                // It never arrived, whatever the store's answer said: sent
+                // again, as the same instance.
+                ++object->resends;
+                object->state = State::Waiting;
+                object->attempts = 0;
+                object->nextTry = QDateTime();
+                object->reason = why;
+                qCWarning(lcHospital) << "the archive does not have it, sent again:" << member;
+            } else {
+                object->state = State::Failed;
+                object->reason = tr("not kept by the archive: %1").arg(why);
+                emit problem(tr("The archive does not keep %1: %2\n\nIt stays on this computer. Select it in the "
+                                "storage browser and press Send again once the cause is dealt with.")
+                                     .arg(QDir::toNativeSeparators(member), why));
+            }
+        }
+        // One the report does not name is asked for again.
+        changed.append(member);
+    }
+    drop(key);
+    save();
+    for (const QString &file : std::as_const(changed))
+        emit stateChanged(file);
+    dispatch();
+}
+
+QStringList ArchiveQueue::keptFiles() const
+{
+    QStringList kept;
+    for (const Item &item : items) {
+        if (item.kind == Kind::Object && item.state == State::Kept)
+            kept.append(item.file);
+    }
+    return kept;
+}
+
+void ArchiveQueue::forgetKept(const QString &file)
+{
+    const Item *item = itemOf(QFileInfo(file).absoluteFilePath());
+    if (item && item->state == State::Kept) {
+        drop(item->file);
+        save();
+    }
+}
+
 void ArchiveQueue::finished(const QString &file, const QString &objectFile, const StoreOutcome &outcome)
 {
     using Kind = StoreOutcome::Kind;
     busy = false;
     Item *item = itemOf(file);
+    if (item && item->kind != ArchiveQueue::Kind::Object) {
+        messageFinished(*item, outcome);
+        dispatch();
+        return;
+    }
     if (item && item->withdrawn) {
         drop(file);
         qCInfo(lcHospital) << "withdrawn from the archive's queue after its send:" << file;
@@ -435,6 +754,7 @@ void ArchiveQueue::finished(const QString &file, const QString &objectFile, cons
         item->refusedBySettings = outcome.refusedBySettings;
         if (outcome.kind == Kind::Stored) {
             item->state = State::Sent;
+            recordPerformed(*item);
             unreachableSaid = false;
             removeAfter = objectFile;
             if (outcome.text.isEmpty())
@@ -483,12 +803,23 @@ void ArchiveQueue::load()
     for (const QJsonValue &value : root.value("items").toArray()) {
         const QJsonObject json = value.toObject();
         Item item;
+        const QString kind = json.value("kind").toString(QLatin1String(kindKeys[0]));
+        for (int at = 0; at < 4; ++at) {
+            if (kind == QLatin1String(kindKeys[at]))
+                item.kind = Kind(at);
+        }
         item.file = json.value("file").toString();
         item.objectFile = json.value("object").toString();
+        item.stepUid = json.value("step").toString();
+        item.transactionUid = json.value("transaction").toString();
+        item.members = json.value("members").toVariant().toStringList();
+        item.askedAt = QDateTime::fromString(json.value("askedAt").toString(), Qt::ISODate);
+        item.resends = json.value("resends").toInt();
         item.context = contextFromJson(json.value("context").toObject());
         const QString state = json.value("state").toString();
         // One that was on its way when the program ended goes again.
         item.state = state == QLatin1String("sent")               ? State::Sent
+                   : state == QLatin1String("kept")               ? State::Kept
                    : state == QLatin1String("failed")             ? State::Failed
                    : state == QLatin1String("needs-patient-id")   ? State::NeedsPatientId
                                                                   : State::Waiting;
@@ -498,13 +829,17 @@ void ArchiveQueue::load()
             item.context.sopInstanceUid = DicomUid::make();
         // The program ended between marking it sent or failed and removing
         // its object: removed on the writer, as after a send.
-        if ((item.state == State::Sent || item.state == State::Failed) && !item.objectFile.isEmpty())
+        if ((item.state == State::Sent || item.state == State::Kept || item.state == State::Failed)
+            && !item.objectFile.isEmpty())
             saver.start([object = item.objectFile] { QFile::remove(object); });
         if (!item.file.isEmpty() && !indexOf.contains(item.file)) {
             indexOf.insert(item.file, items.size());
             items.append(item);
         }
     }
+    const QJsonObject performed = root.value("steps").toObject();
+    for (auto it = performed.begin(); it != performed.end(); ++it)
+        steps.insert(it.key(), PerformedStep::fromJson(it.value().toObject()));
     const QJsonObject known = root.value("pictures").toObject();
     for (auto it = known.begin(); it != known.end(); ++it)
         pictures.insert(it.key(), contextFromJson(it.value().toObject()));
@@ -514,12 +849,25 @@ void ArchiveQueue::save(const QString &removeAfter)
 {
     QJsonArray list;
     for (const Item &item : std::as_const(items)) {
-        list.append(QJsonObject { { "file", item.file },
-                                  { "object", item.objectFile },
-                                  { "context", toJson(item.context) },
-                                  { "state", stateKey(item.state) },
-                                  { "reason", item.reason },
-                                  { "refusedBySettings", item.refusedBySettings } });
+        QJsonObject json { { "kind", QLatin1String(kindKeys[int(item.kind)]) },
+                           { "file", item.file },
+                           { "state", stateKey(item.state) },
+                           { "reason", item.reason } };
+        if (item.kind == Kind::Object) {
+            json.insert("object", item.objectFile);
+            json.insert("context", toJson(item.context));
+            json.insert("refusedBySettings", item.refusedBySettings);
+            json.insert("resends", item.resends);
+        }
+        if (!item.stepUid.isEmpty())
+            json.insert("step", item.stepUid);
+        if (!item.transactionUid.isEmpty())
+            json.insert("transaction", item.transactionUid);
+        if (item.kind == Kind::Commitment) {
+            json.insert("members", QJsonArray::fromStringList(item.members));
+            json.insert("askedAt", item.askedAt.toString(Qt::ISODate));
+        }
+        list.append(json);
     }
     QJsonObject known;
     for (auto it = pictures.cbegin(); it != pictures.cend(); ++it)
@@ -527,7 +875,11 @@ void ArchiveQueue::save(const QString &removeAfter)
     // Written whole or not at all, so a crash mid-write keeps the last
     // queue; and off the window's thread, in order: the flush to disk can
     // wait behind a large write of the archive's or the recorder's.
-    const QByteArray text = QJsonDocument(QJsonObject { { "items", list }, { "pictures", known } }).toJson();
+    QJsonObject performed;
+    for (auto it = steps.cbegin(); it != steps.cend(); ++it)
+        performed.insert(it.key(), it.value().toJson());
+    const QByteArray text =
+        QJsonDocument(QJsonObject { { "items", list }, { "pictures", known }, { "steps", performed } }).toJson();
     const QString path = folder + QLatin1Char('/') + queueName;
     saver.start([this, text, path, removeAfter] {
         QSaveFile file(path);

@@ -24,6 +24,7 @@ void eachValue(CaseInformation &information, Visit visit)
     visit("ScheduledProcedureStepDescription", entry.scheduledStepDescription);
     visit("StudyInstanceUID", information.studyInstanceUid);
     visit("SeriesInstanceUID", information.seriesInstanceUid);
+    visit("PerformedProcedureStepUID", information.performedStepUid);
 }
 } // namespace
 

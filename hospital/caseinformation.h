@@ -20,6 +20,8 @@ struct CaseInformation
     QString studyInstanceUid;
     QDateTime studyStarted; // one Study Date and Time for all of a study's objects
     QString seriesInstanceUid;
+    // The case's performed procedure step, when the hospital hears of it.
+    QString performedStepUid;
     int instanceNumber = 1; // the file's place in a split recording's series
     // False from the start of a recording until the program saw it end: a
     // movie left so was cut short by a crash.

@@ -12,6 +12,7 @@
 
 #include "app/orvixlogging.h"
 #include "hospital/dicomtext.h"
+#include "hospital/performedstep.h"
 
 namespace {
 
@@ -60,6 +61,63 @@ class ReportingScu : public DcmSCU
 {
 public:
     std::function<void(qint64)> progress;
+
+    // N-CREATE and N-SET, which the toolkit's SCU does not offer: one
+    // request with its dataset, one answer whose status is returned.
+    OFCondition sendNormalized(T_ASC_PresentationContextID id, T_DIMSE_Command command, const OFString &instance,
+                               DcmDataset *dataset, Uint16 &status)
+    {
+        T_DIMSE_Message request;
+        memset(&request, 0, sizeof(request));
+        OFString abstractSyntax, transferSyntax;
+        findPresentationContext(id, abstractSyntax, transferSyntax);
+        const Uint16 messageId = ++lastMessageId;
+        request.CommandField = command;
+        if (command == DIMSE_N_CREATE_RQ) {
+            T_DIMSE_N_CreateRQ &create = request.msg.NCreateRQ;
+            create.MessageID = messageId;
+            create.DataSetType = DIMSE_DATASET_PRESENT;
+            OFStandard::strlcpy(create.AffectedSOPClassUID, abstractSyntax.c_str(), sizeof(create.AffectedSOPClassUID));
+            OFStandard::strlcpy(create.AffectedSOPInstanceUID, instance.c_str(), sizeof(create.AffectedSOPInstanceUID));
+            create.opts = O_NCREATE_AFFECTEDSOPINSTANCEUID;
+        } else {
+            T_DIMSE_N_SetRQ &set = request.msg.NSetRQ;
+            set.MessageID = messageId;
+            set.DataSetType = DIMSE_DATASET_PRESENT;
+            OFStandard::strlcpy(set.RequestedSOPClassUID, abstractSyntax.c_str(), sizeof(set.RequestedSOPClassUID));
+            OFStandard::strlcpy(set.RequestedSOPInstanceUID, instance.c_str(), sizeof(set.RequestedSOPInstanceUID));
+        }
+        OFCondition condition = sendDIMSEMessage(id, &request, dataset);
+        if (condition.bad())
+            return condition;
+        T_DIMSE_Message response;
+        memset(&response, 0, sizeof(response));
+        DcmDataset *detail = nullptr;
+        T_ASC_PresentationContextID answeredOn = id;
+        condition = receiveDIMSECommand(&answeredOn, &response, &detail, nullptr);
+        delete detail;
+        if (condition.bad())
+            return condition;
+        T_DIMSE_DataSetType answerData = DIMSE_DATASET_NULL;
+        if (command == DIMSE_N_CREATE_RQ && response.CommandField == DIMSE_N_CREATE_RSP) {
+            status = response.msg.NCreateRSP.DimseStatus;
+            answerData = response.msg.NCreateRSP.DataSetType;
+        } else if (command == DIMSE_N_SET_RQ && response.CommandField == DIMSE_N_SET_RSP) {
+            status = response.msg.NSetRSP.DimseStatus;
+            answerData = response.msg.NSetRSP.DataSetType;
+        } else {
+            return DIMSE_BADCOMMANDTYPE;
+        }
+        if (answerData != DIMSE_DATASET_NULL) {
+            DcmDataset *attributes = nullptr;
+            condition = receiveDIMSEDataset(&answeredOn, &attributes);
+            delete attributes;
+        }
+        return condition;
+    }
+
+private:
+    Uint16 lastMessageId = 0x4000;
 
 protected:
     void notifySENDProgress(const unsigned long byteCount) override
@@ -377,6 +435,121 @@ StoreOutcome storeOutcome(quint16 status, const QString &archive)
     if ((status & 0xff00) == 0xa700)
         return { Kind::Transient, refused };
     return { Kind::Lasting, refused };
+}
+
+namespace {
+// One normalized request on an association of its own; the answer's
+// status through `decide`.
+StoreOutcome sendRequest(const DicomNode &node, const char *sopClass, const QString &what, int timeoutSeconds,
+                         const std::function<OFCondition(ReportingScu &, T_ASC_PresentationContextID, Uint16 &)> &send,
+                         const std::function<StoreOutcome(Uint16)> &decide)
+{
+    using Kind = StoreOutcome::Kind;
+    quietToolkit();
+    Association association(node, timeoutSeconds);
+    QString error;
+    const T_ASC_PresentationContextID id = association.open(sopClass, what, &error);
+    if (id == 0) {
+        if (association.refused()) {
+            StoreOutcome outcome { Kind::Lasting, error };
+            outcome.refusedBySettings = true;
+            return outcome;
+        }
+        return { Kind::Transient, error };
+    }
+    Uint16 status = 0;
+    const OFCondition condition = send(association.scu, id, status);
+    if (condition.bad()) {
+        association.abort();
+        return { Kind::Transient, describe(node, condition, timeoutSeconds) };
+    }
+    return decide(status);
+}
+
+QString normalizedStatusText(quint16 status)
+{
+    const QString code = QStringLiteral("status 0x%1").arg(status, 4, 16, QLatin1Char('0'));
+    QString words;
+    if (status == 0x0106 || status == 0x0116)
+        words = QStringLiteral("a value was not accepted");
+    else if (status == 0x0120 || status == 0x0121)
+        words = QStringLiteral("a required value was missing");
+    else if (status == 0x0111)
+        words = QStringLiteral("it already has this step");
+    else if (status == 0x0112)
+        words = QStringLiteral("it does not know this step");
+    else if (status == 0xa710)
+        words = QStringLiteral("the step was already ended");
+    else if (status == 0x0213)
+        words = QStringLiteral("it is out of resources");
+    else if (status == 0x0124)
+        words = QStringLiteral("this station is not allowed to report there");
+    else if (DICOM_WARNING_STATUS(status))
+        words = QStringLiteral("it took it with a warning");
+    else
+        words = QStringLiteral("it refused it");
+    return QStringLiteral("%1 (%2)").arg(words, code);
+}
+} // namespace
+
+StoreOutcome stepOutcome(quint16 status, const QString &peer, bool ending)
+{
+    using Kind = StoreOutcome::Kind;
+    if (status == STATUS_Success)
+        return {};
+    const QString said = QStringLiteral("%1: %2").arg(peer, normalizedStatusText(status));
+    // The same request again after an answer that never came: it was done.
+    if (DICOM_WARNING_STATUS(status) || (!ending && status == 0x0111) || (ending && status == 0xa710))
+        return { Kind::Stored, said };
+    if (status == 0x0213)
+        return { Kind::Transient, said };
+    return { Kind::Lasting, said };
+}
+
+StoreOutcome startPerformedStep(const DicomNode &node, const PerformedStep &step, int timeoutSeconds)
+{
+    DcmDataset dataset;
+    step.fillStart(&dataset);
+    return sendRequest(
+        node, UID_ModalityPerformedProcedureStepSOPClass, QStringLiteral("performed procedure steps (MPPS)"),
+        timeoutSeconds,
+        [&](ReportingScu &scu, T_ASC_PresentationContextID id, Uint16 &status) {
+            return scu.sendNormalized(id, DIMSE_N_CREATE_RQ, step.uid.toStdString().c_str(), &dataset, status);
+        },
+        [&](Uint16 status) { return stepOutcome(status, node.display(), false); });
+}
+
+StoreOutcome endPerformedStep(const DicomNode &node, const PerformedStep &step, const QString &archiveAeTitle,
+                              int timeoutSeconds)
+{
+    DcmDataset dataset;
+    step.fillEnd(&dataset, archiveAeTitle);
+    return sendRequest(
+        node, UID_ModalityPerformedProcedureStepSOPClass, QStringLiteral("performed procedure steps (MPPS)"),
+        timeoutSeconds,
+        [&](ReportingScu &scu, T_ASC_PresentationContextID id, Uint16 &status) {
+            return scu.sendNormalized(id, DIMSE_N_SET_RQ, step.uid.toStdString().c_str(), &dataset, status);
+        },
+        [&](Uint16 status) { return stepOutcome(status, node.display(), true); });
+}
+
+StoreOutcome askCommitment(const DicomNode &node, const QString &transactionUid, const QList<ObjectReference> &objects,
+                           int timeoutSeconds)
+{
+    DcmDataset dataset;
+    StorageCommitment::fillRequest(&dataset, transactionUid, objects);
+    return sendRequest(
+        node, UID_StorageCommitmentPushModelSOPClass, QStringLiteral("storage commitment"), timeoutSeconds,
+        [&](ReportingScu &scu, T_ASC_PresentationContextID id, Uint16 &status) {
+            // The one well-known instance of the push model; action 1 asks.
+            return scu.sendACTIONRequest(id, UID_StorageCommitmentPushModelSOPInstance, 1, &dataset, status);
+        },
+        [&](Uint16 status) {
+            if (status == STATUS_Success || DICOM_WARNING_STATUS(status))
+                return StoreOutcome {};
+            const QString said = QStringLiteral("%1: %2").arg(node.display(), normalizedStatusText(status));
+            return StoreOutcome { status == 0x0213 ? StoreOutcome::Kind::Transient : StoreOutcome::Kind::Lasting, said };
+        });
 }
 
 } // namespace DicomNetwork

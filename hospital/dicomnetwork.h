@@ -13,6 +13,9 @@
 
 #include "hospital/dicomnode.h"
 
+struct ObjectReference;
+struct PerformedStep;
+
 struct WorklistEntry
 {
     QString patientName; // DICOM form, "Family^Given"
@@ -82,4 +85,19 @@ QString storeStatusText(quint16 status);
 // What an archive's C-STORE status means for the file: stored (perhaps with
 // a warning), try again later (out of resources), or refused.
 StoreOutcome storeOutcome(quint16 status, const QString &archive);
+
+// A performed procedure step reported to the hospital's system: started
+// (N-CREATE), or ended with what was performed (N-SET).
+StoreOutcome startPerformedStep(const DicomNode &node, const PerformedStep &step,
+                                int timeoutSeconds = defaultTimeoutSeconds);
+StoreOutcome endPerformedStep(const DicomNode &node, const PerformedStep &step, const QString &archiveAeTitle,
+                              int timeoutSeconds = defaultTimeoutSeconds);
+// What a step's answer means: done (a repeat after a lost answer is done
+// too), try again later, or refused.
+StoreOutcome stepOutcome(quint16 status, const QString &peer, bool ending);
+// Asks the archive to keep the objects for good (storage commitment, N-ACTION).
+// Stored means asked: the answer comes later, on an association the
+// archive opens itself.
+StoreOutcome askCommitment(const DicomNode &node, const QString &transactionUid,
+                           const QList<ObjectReference> &objects, int timeoutSeconds = defaultTimeoutSeconds);
 } // namespace DicomNetwork

@@ -8,7 +8,15 @@ const QString defaultOwnAeTitle = QStringLiteral("ORVIX");
 
 QString roleGroup(HospitalSettings::Role role)
 {
-    return role == HospitalSettings::Role::Archive ? QStringLiteral("archive") : QStringLiteral("worklist");
+    switch (role) {
+    case HospitalSettings::Role::Archive:
+        return QStringLiteral("archive");
+    case HospitalSettings::Role::Worklist:
+        return QStringLiteral("worklist");
+    case HospitalSettings::Role::PerformedSteps:
+        return QStringLiteral("mpps");
+    }
+    return QString();
 }
 } // namespace
 
@@ -75,6 +83,46 @@ bool sendAutomatically()
 void setSendAutomatically(bool on)
 {
     QSettings().setValue(group + QStringLiteral("/sendAutomatically"), on);
+}
+
+int commitmentPort()
+{
+    return QSettings().value(group + QStringLiteral("/commitmentPort"), 0).toInt();
+}
+
+void setCommitmentPort(int port)
+{
+    QSettings().setValue(group + QStringLiteral("/commitmentPort"), port);
+}
+
+int commitmentWaitSeconds()
+{
+    return qMax(1, QSettings().value(group + QStringLiteral("/commitmentWaitSeconds"), 600).toInt());
+}
+
+void setCommitmentWaitSeconds(int seconds)
+{
+    QSettings().setValue(group + QStringLiteral("/commitmentWaitSeconds"), seconds);
+}
+
+SpaceRule spaceRule()
+{
+    QSettings settings;
+    settings.beginGroup(group + QStringLiteral("/space"));
+    SpaceRule rule;
+    rule.enabled = settings.value(QStringLiteral("removeKept"), false).toBool();
+    rule.olderThanDays = settings.value(QStringLiteral("olderThanDays"), rule.olderThanDays).toInt();
+    rule.freeBelowMegabytes = settings.value(QStringLiteral("freeBelowMegabytes"), rule.freeBelowMegabytes).toLongLong();
+    return rule;
+}
+
+void setSpaceRule(const SpaceRule &rule)
+{
+    QSettings settings;
+    settings.beginGroup(group + QStringLiteral("/space"));
+    settings.setValue(QStringLiteral("removeKept"), rule.enabled);
+    settings.setValue(QStringLiteral("olderThanDays"), rule.olderThanDays);
+    settings.setValue(QStringLiteral("freeBelowMegabytes"), rule.freeBelowMegabytes);
 }
 
 } // namespace HospitalSettings

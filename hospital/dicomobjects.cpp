@@ -291,4 +291,14 @@ QString write(const QString &recordedFile, const ObjectContext &context, const Q
                                                  : movie(recordedFile, context, target);
 }
 
+ObjectReference reference(const QString &recordedFile, const ObjectContext &context)
+{
+    const bool movie = kindOf(recordedFile) == Kind::Movie;
+    return { QString::fromLatin1(movie ? UID_VideoEndoscopicImageStorage : UID_VLEndoscopicImageStorage),
+             context.sopInstanceUid, context.study.seriesInstanceUid,
+             !context.description.trimmed().isEmpty() ? context.description
+             : movie                                  ? QStringLiteral("Movie")
+                                                      : QStringLiteral("Snapshots") };
+}
+
 } // namespace DicomObjects

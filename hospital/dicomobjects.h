@@ -8,6 +8,7 @@
 #include <QString>
 
 #include "hospital/caseinformation.h"
+#include "hospital/performedstep.h"
 
 struct ObjectContext
 {
@@ -43,6 +44,8 @@ QString movieTransferSyntax(const QString &recordedFile, QString *why);
 // Writes the object for `recordedFile` to `target`; empty on success,
 // otherwise why not.
 QString write(const QString &recordedFile, const ObjectContext &context, const QString &target);
+// The object as a performed step or a commitment request names it.
+ObjectReference reference(const QString &recordedFile, const ObjectContext &context);
 } // namespace DicomObjects
 
 Q_DECLARE_METATYPE(ObjectContext)

@@ -39,6 +39,7 @@ class QCheckBox;
 class QComboBox;
 class QDialog;
 class ArchiveQueue;
+class CommitmentListener;
 class HospitalSettingsDialog;
 class QProgressBar;
 class WorklistDialog;
@@ -219,6 +220,8 @@ public slots:
     // mainwindow_hospital.cpp
     void showHospitalSettings();
     void chooseFromWorklist();
+    // Ends the patient's case and clears the patient for the next one.
+    void finishCase();
     void sendSelectedToArchive();
 
     // The dialogs once built, for tests; null before.
@@ -454,6 +457,25 @@ private:
     QString typedCaseStudyUid;   // the study of a patient typed by hand
     QString caseKey;             // the patient, ID and day the study belongs to
     QDateTime caseStarted;       // the study's one date and time
+    QPushButton *finishCaseButton = nullptr;
+    QAction *finishCaseAction = nullptr;
+    // The case under way: begun by its first movie or snapshot.
+    struct OpenCase
+    {
+        QString key;      // as caseKey
+        QString stepUid;  // its performed step, when the hospital hears of it
+        QString typedStudyUid;
+        QDateTime started;
+        QStringList files;
+        CaseInformation information;
+    } openCase;
+    void addFinishCaseButton(QHBoxLayout *headerLayout, QWidget *header);
+    CaseInformation caseOfNewFile(const QString &file);
+    void startCase(const CaseInformation &information);
+    void endOpenCase();
+    void updateFinishCaseButton();
+    void saveOpenCase() const;
+    void offerToFinishOpenCase();
     QLabel *patientIdLabel = nullptr;
     QLineEdit *patientIdField = nullptr; // the patient's ID, for the archive
     QString livePatientId;       // put aside while a stored file is shown
@@ -473,6 +495,11 @@ private:
     QString archiveSummary(const QString &file) const;
     bool isBeingRecorded(const QString &file) const;
     ArchiveQueue *archiveQueue = nullptr;
+    CommitmentListener *commitmentListener = nullptr;
+    void updateCommitmentListener();
+    // Removes movies the archive keeps when the disk runs short, if chosen.
+    void relieveDisk();
+    QTimer spaceTimer;
     QPushButton *archiveSendButton = nullptr;
     QProgressBar *archiveProgress = nullptr;
     QPointer<QMessageBox> archiveNotice;
@@ -481,7 +508,7 @@ private:
     int snapshotInstance = 0;
     void setupArchive(QHBoxLayout *headerLayout, QWidget *header, QVBoxLayout *bodyLayout, QWidget *body);
     ObjectContext movieContext(const QString &moviePath) const;
-    ObjectContext snapshotContext();
+    ObjectContext snapshotContext(const QString &picturePath);
     void movieFinished(const QString &moviePath);
     void queueUnsentMovies();
     void snapshotKept(const QString &picturePath);

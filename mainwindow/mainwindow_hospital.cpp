@@ -20,6 +20,7 @@
 
 #include "app/orvixlogging.h"
 #include "hospital/archivequeue.h"
+#include "hospital/commitmentlistener.h"
 #include "hospital/dicomtext.h"
 #include "storage/orvixstoragemodel.h"
 #include "storage/recordinginformation.h"
@@ -56,6 +57,8 @@ void MainWindow::wireWorklistButton()
     informationFields[patientField]->installEventFilter(this);
     connect(static_cast<QLineEdit *>(informationFields[patientField]), &QLineEdit::textChanged, this,
             &MainWindow::forgetWorklistEntryIfRenamed);
+    connect(static_cast<QLineEdit *>(informationFields[patientField]), &QLineEdit::textChanged, this,
+            &MainWindow::updateFinishCaseButton);
     updateWorklistButton();
 }
 
@@ -85,6 +88,7 @@ void MainWindow::addPatientIdField(QGridLayout *grid, QWidget *body)
     grid->addWidget(patientIdLabel, 7, 0);
     grid->addWidget(patientIdField, 7, 1);
     setTabOrder(informationFields[patientField], patientIdField);
+    connect(patientIdField, &QLineEdit::textChanged, this, &MainWindow::updateFinishCaseButton);
 }
 
 void MainWindow::updatePatientIdField()
@@ -108,6 +112,7 @@ QString MainWindow::livePatientIdText() const
 
 void MainWindow::updateWorklistButton()
 {
+    updateFinishCaseButton();
     if (!informationWorklistButton)
         return;
     // Only the next recording's information comes from the worklist.
@@ -145,6 +150,7 @@ void MainWindow::showHospitalSettings()
         hospitalDialog = new HospitalSettingsDialog(this);
         connect(hospitalDialog, &QDialog::accepted, this, [this] {
             updatePatientIdField();
+            updateCommitmentListener();
             archiveQueue->retryNow();
         });
     }
@@ -173,6 +179,9 @@ void MainWindow::chooseFromWorklist()
         const WorklistEntry entry = box->chosen();
         if (!liveInformationShown || !informationFields[patientField]->isEnabled())
             return;
+        // Another patient: the case before is over.
+        if (!openCase.key.isEmpty() && openCase.information.studyInstanceUid != entry.studyInstanceUid)
+            finishCase();
         chosenWorklistName = entry.readableName();
         chosenWorklistEntry = entry;
         setInformationText(patientField, chosenWorklistName);
@@ -230,12 +239,18 @@ void MainWindow::setupArchive(QHBoxLayout *headerLayout, QWidget *header, QVBoxL
             archiveQueue, [this](const QString &file) { return archiveSummary(file); }, thumbnailView));
     connect(archiveQueue, &ArchiveQueue::stateChanged, this, [this](const QString &file) {
         thumbnailView->viewport()->update();
+        if (archiveQueue->state(file) == ArchiveQueue::State::Kept)
+            QTimer::singleShot(0, this, &MainWindow::relieveDisk);
         if (archiveQueue->state(file) != ArchiveQueue::State::Sending)
             archiveProgress->hide();
         updateArchiveButton();
     });
     connect(archiveQueue, &ArchiveQueue::progress, this, &MainWindow::showArchiveProgress);
     connect(archiveQueue, &ArchiveQueue::problem, this, &MainWindow::showArchiveProblem);
+    commitmentListener = new CommitmentListener(this);
+    connect(commitmentListener, &CommitmentListener::reported, archiveQueue, &ArchiveQueue::takeReport);
+    connect(commitmentListener, &CommitmentListener::problem, this, &MainWindow::showArchiveProblem);
+    updateCommitmentListener();
 
     archiveSendButton = new QPushButton(tr("Send"), header);
     archiveSendButton->setObjectName(QStringLiteral("FilePreviewSendButton"));
@@ -259,6 +274,20 @@ void MainWindow::setupArchive(QHBoxLayout *headerLayout, QWidget *header, QVBoxL
     // A movie whose recording the program did not see end (it crashed) is
     // queued now.
     QTimer::singleShot(0, this, &MainWindow::queueUnsentMovies);
+    QTimer::singleShot(0, this, &MainWindow::offerToFinishOpenCase);
+    // Room is looked at now and then, besides each time the archive
+    // confirms a file: a recording fills the disk in between.
+    connect(&spaceTimer, &QTimer::timeout, this, &MainWindow::relieveDisk);
+    spaceTimer.start(60 * 1000);
+}
+
+void MainWindow::updateCommitmentListener()
+{
+    // The archive answers a commitment request on an association of its
+    // own, to this station's AE title, from its own.
+    const DicomNode archive = HospitalSettings::node(HospitalSettings::Role::Archive);
+    commitmentListener->listen(archive.isComplete() ? HospitalSettings::commitmentPort() : 0, archive.ownAeTitle,
+                               archive.calledAeTitle);
 }
 
 ObjectContext MainWindow::movieContext(const QString &moviePath) const
@@ -315,10 +344,10 @@ ObjectContext MainWindow::movieContext(const QString &moviePath) const
     return context;
 }
 
-ObjectContext MainWindow::snapshotContext()
+ObjectContext MainWindow::snapshotContext(const QString &picturePath)
 {
     ObjectContext context;
-    context.study = liveCase();
+    context.study = caseOfNewFile(picturePath);
     if (snapshotStudyUid != context.study.studyInstanceUid || snapshotSeriesUid.isEmpty()) {
         snapshotStudyUid = context.study.studyInstanceUid;
         snapshotSeriesUid = DicomUid::make();

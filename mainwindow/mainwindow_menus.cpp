@@ -97,6 +97,8 @@ void MainWindow::createActions()
     connect(storagePathAction, &QAction::triggered, this, &MainWindow::updateStorageRoot);
     hospitalAction = makeAction(QStringLiteral("Hospital Systems"), QStringLiteral("Set up the archive (PACS) and the worklist"), false, this);
     connect(hospitalAction, &QAction::triggered, this, &MainWindow::showHospitalSettings);
+    finishCaseAction = makeAction(QStringLiteral("Finish Case"), QStringLiteral("End this patient's case and clear the patient for the next one"), false, this);
+    connect(finishCaseAction, &QAction::triggered, this, &MainWindow::finishCase);
 }
 
 void MainWindow::createMenus()
@@ -121,6 +123,7 @@ void MainWindow::createMenus()
     // Beyond the designed entries, apart from them.
     configurationMenu->addSeparator();
     configurationMenu->addAction(hospitalAction);
+    configurationMenu->addAction(finishCaseAction);
 
     QMenu *helpMenu = mainMenuBar->addMenu(QStringLiteral("&Help"));
     helpAction = makeAction(QStringLiteral("Help"), QStringLiteral("Open help document"), false, this);

@@ -301,6 +301,7 @@ void MainWindow::setupInformationPanel()
     headerLayout->addWidget(title, 0, Qt::AlignVCenter);
     headerLayout->addStretch();
     addWorklistButton(headerLayout, header);
+    addFinishCaseButton(headerLayout, header);
 
     informationEditButton = fixedButton(QStringLiteral("InformationEditButton"), QSize(23, 23), header);
     informationEditButton->setCheckable(true);

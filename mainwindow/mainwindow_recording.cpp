@@ -232,7 +232,7 @@ void MainWindow::beginMovieFile(const QString &path)
     recorder->setOutputLocation(QUrl::fromLocalFile(path));
     liveRecordingInformation().write(StoragePaths::recordingInformationPath(path));
     ++recordingFileNumber;
-    liveCase().write(StoragePaths::recordingInformationPath(path));
+    caseOfNewFile(path).write(StoragePaths::recordingInformationPath(path));
     lastMovieFile = path;
 }
 

@@ -36,7 +36,7 @@ void MainWindow::captureStillImage()
     const QString path = StoragePaths::imagePath(storageRoot(), QDateTime::currentDateTime());
     imageCapturePending = true;
     imageCapture->captureToFile(path);
-    archiveQueue->rememberPicture(path, snapshotContext());
+    archiveQueue->rememberPicture(path, snapshotContext(path));
     imageCaptureButton->setEnabled(false);
 
     // Qt reports a snapshot that cannot be saved through a signal the window

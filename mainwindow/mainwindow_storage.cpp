@@ -12,12 +12,14 @@
 #include <QSettings>
 #include <QStackedWidget>
 #include <QStandardPaths>
+#include <QStorageInfo>
 #include <QUrl>
 
 #include "app/orvixlogging.h"
 #include "app/settingskeys.h"
 #include "app/storagefolders.h"
 #include "hospital/archivequeue.h"
+#include "hospital/spacekeeper.h"
 #include "storage/orvixstoragemodel.h"
 #include "storage/storagepaths.h"
 
@@ -111,4 +113,49 @@ void MainWindow::openMoviesFolder()
 void MainWindow::openImagesFolder()
 {
     openFolder("MainWindow::openImagesFolder", QStringLiteral("Image"));
+}
+
+void MainWindow::relieveDisk()
+{
+    const HospitalSettings::SpaceRule rule = HospitalSettings::spaceRule();
+    const QString root = storageRoot();
+    if (!rule.enabled || root.isEmpty())
+        return;
+    const QStorageInfo volume(root);
+    QList<SpaceKeeper::Copy> kept;
+    for (const QString &file : archiveQueue->keptFiles()) {
+        const QFileInfo info(file);
+        // Movies only: a snapshot is small, and has no information file
+        // to say where it went.
+        if (info.exists() && DicomObjects::kindOf(file) == DicomObjects::Kind::Movie
+            && QStorageInfo(info.absolutePath()).rootPath() == volume.rootPath())
+            kept.append({ info.absoluteFilePath(), info.size(), info.lastModified() });
+    }
+    QStringList untouchable;
+    for (const QString &file : { recordingMoviePath, finishingMoviePath, lastMovieFile, currentMoviePath }) {
+        if (!file.isEmpty())
+            untouchable.append(QFileInfo(file).absoluteFilePath());
+    }
+    const QStringList chosen =
+            SpaceKeeper::choose(kept, volume.bytesAvailable(), rule, QDateTime::currentDateTime(), untouchable);
+    if (chosen.isEmpty())
+        return;
+    const QString archive = HospitalSettings::node(HospitalSettings::Role::Archive).display();
+    QStringList removed;
+    for (const QString &file : chosen) {
+        if (isBeingRecorded(file) || !QFile::remove(file)) {
+            qCWarning(lcHospital) << "a kept movie could not be removed to make room:" << file;
+            continue;
+        }
+        SpaceKeeper::recordRemoval(StoragePaths::recordingInformationPath(file), archive, QDateTime::currentDateTime());
+        archiveQueue->forgetKept(file);
+        removed.append(QFileInfo(file).fileName());
+        qCInfo(lcHospital) << "removed to make room, kept by the archive:" << file;
+    }
+    if (removed.isEmpty())
+        return;
+    showArchiveProblem(tr("The disk of %1 was running short of room. These movies, which the archive %2 has "
+                          "confirmed it keeps, were removed from this computer:\n\n%3\n\nTheir information files "
+                          "stay beside where they were and say so.")
+                               .arg(QDir::toNativeSeparators(root), archive, removed.join(QLatin1Char('\n'))));
 }

@@ -4,6 +4,7 @@
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QGroupBox>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -21,10 +22,22 @@ HospitalSettingsDialog::HospitalSettingsDialog(QWidget *parent)
     setObjectName(QStringLiteral("HospitalSettingsDialog"));
     setWindowTitle(tr("Hospital Systems"));
     auto *layout = new QVBoxLayout(this);
-    layout->addWidget(nodeBox(QStringLiteral("Archive"), tr("Archive (PACS)"), tr("Archive AE title"), archiveFields,
-                              HospitalSettings::node(HospitalSettings::Role::Archive)));
-    layout->addWidget(nodeBox(QStringLiteral("Worklist"), tr("Worklist"), tr("Worklist AE title"), worklistFields,
-                              HospitalSettings::node(HospitalSettings::Role::Worklist)));
+    // Two columns: a dialog of five boxes in one would not fit a laptop.
+    auto *columns = new QHBoxLayout;
+    auto *left = new QVBoxLayout;
+    auto *right = new QVBoxLayout;
+    columns->addLayout(left);
+    columns->addLayout(right);
+    layout->addLayout(columns);
+    left->addWidget(nodeBox(QStringLiteral("Archive"), tr("Archive (PACS)"), tr("Archive AE title"), archiveFields,
+                            HospitalSettings::node(HospitalSettings::Role::Archive)));
+    left->addWidget(nodeBox(QStringLiteral("Worklist"), tr("Worklist"), tr("Worklist AE title"), worklistFields,
+                            HospitalSettings::node(HospitalSettings::Role::Worklist)));
+    right->addWidget(nodeBox(QStringLiteral("Steps"), tr("Performed procedure steps (MPPS)"), tr("MPPS AE title"),
+                             stepFields, HospitalSettings::node(HospitalSettings::Role::PerformedSteps)));
+    right->addWidget(spaceBox());
+    left->addStretch();
+    right->addStretch();
     automaticBox = new QCheckBox(tr("Send every movie and snapshot to the archive when it is finished"), this);
     automaticBox->setObjectName(QStringLiteral("HospitalSendAutomatically"));
     automaticBox->setChecked(HospitalSettings::sendAutomatically());
@@ -69,9 +82,56 @@ QWidget *HospitalSettingsDialog::nodeBox(const QString &name, const QString &tit
     return box;
 }
 
+QWidget *HospitalSettingsDialog::spaceBox()
+{
+    auto *box = new QGroupBox(tr("The archive's confirmation"), this);
+    auto *form = new QFormLayout(box);
+    commitmentPort = new QSpinBox(box);
+    commitmentPort->setObjectName(QStringLiteral("HospitalCommitmentPort"));
+    commitmentPort->setRange(0, 65535);
+    commitmentPort->setSpecialValueText(tr("off"));
+    commitmentPort->setValue(HospitalSettings::commitmentPort());
+    commitmentPort->setToolTip(tr("The archive confirms that it keeps each file by calling this station back on "
+                                  "this port (storage commitment). The archive must know this station's AE title, "
+                                  "address and port."));
+    form->addRow(tr("Port for the archive's answers"), commitmentPort);
+
+    const HospitalSettings::SpaceRule rule = HospitalSettings::spaceRule();
+    removeKeptBox = new QCheckBox(tr("Remove local copies the archive keeps, when room runs short"), box);
+    removeKeptBox->setObjectName(QStringLiteral("HospitalRemoveKept"));
+    removeKeptBox->setChecked(rule.enabled);
+    removeKeptBox->setToolTip(tr("Only files the archive has confirmed it keeps are removed, oldest first, never the "
+                                 "file being recorded. Their information files stay, and say where they went."));
+    olderThanDays = new QSpinBox(box);
+    olderThanDays->setObjectName(QStringLiteral("HospitalRemoveOlderThanDays"));
+    olderThanDays->setRange(0, 3650);
+    olderThanDays->setSuffix(tr(" days"));
+    olderThanDays->setValue(rule.olderThanDays);
+    freeBelowGigabytes = new QSpinBox(box);
+    freeBelowGigabytes->setObjectName(QStringLiteral("HospitalRemoveBelowFree"));
+    freeBelowGigabytes->setRange(1, 100000);
+    freeBelowGigabytes->setSuffix(tr(" GB"));
+    freeBelowGigabytes->setValue(int(qMax<qint64>(1, rule.freeBelowMegabytes / 1024)));
+    for (QWidget *field : { static_cast<QWidget *>(olderThanDays), static_cast<QWidget *>(freeBelowGigabytes) })
+        field->setEnabled(rule.enabled);
+    connect(removeKeptBox, &QCheckBox::toggled, olderThanDays, &QWidget::setEnabled);
+    connect(removeKeptBox, &QCheckBox::toggled, freeBelowGigabytes, &QWidget::setEnabled);
+    form->addRow(removeKeptBox);
+    form->addRow(tr("Older than"), olderThanDays);
+    form->addRow(tr("When free room is below"), freeBelowGigabytes);
+    return box;
+}
+
 const HospitalSettingsDialog::NodeFields &HospitalSettingsDialog::fieldsOf(HospitalSettings::Role role) const
 {
-    return role == HospitalSettings::Role::Archive ? archiveFields : worklistFields;
+    switch (role) {
+    case HospitalSettings::Role::Archive:
+        return archiveFields;
+    case HospitalSettings::Role::Worklist:
+        return worklistFields;
+    default:
+        return stepFields;
+    }
 }
 
 DicomNode HospitalSettingsDialog::node(HospitalSettings::Role role) const
@@ -112,7 +172,8 @@ QString HospitalSettingsDialog::incompleteField(const NodeFields &fields, const 
 
 void HospitalSettingsDialog::accept()
 {
-    for (const auto &[fields, what] : { std::pair { &archiveFields, tr("Archive") }, std::pair { &worklistFields, tr("Worklist") } }) {
+    for (const auto &[fields, what] : { std::pair { &archiveFields, tr("Archive") }, std::pair { &worklistFields, tr("Worklist") },
+                                        std::pair { &stepFields, tr("Performed procedure steps") } }) {
         const QString problem = incompleteField(*fields, what);
         if (!problem.isEmpty()) {
             QMessageBox::warning(this, windowTitle(), problem);
@@ -121,17 +182,29 @@ void HospitalSettingsDialog::accept()
     }
     HospitalSettings::setNode(HospitalSettings::Role::Archive, node(HospitalSettings::Role::Archive));
     HospitalSettings::setNode(HospitalSettings::Role::Worklist, node(HospitalSettings::Role::Worklist));
+    HospitalSettings::setNode(HospitalSettings::Role::PerformedSteps, node(HospitalSettings::Role::PerformedSteps));
     HospitalSettings::setSendAutomatically(automaticBox->isChecked());
+    HospitalSettings::setCommitmentPort(commitmentPort->value());
+    HospitalSettings::SpaceRule rule = HospitalSettings::spaceRule();
+    rule.enabled = removeKeptBox->isChecked();
+    rule.olderThanDays = olderThanDays->value();
+    // A threshold set in finer steps than the box shows stays as it was.
+    if (rule.freeBelowMegabytes / 1024 != freeBelowGigabytes->value())
+        rule.freeBelowMegabytes = qint64(freeBelowGigabytes->value()) * 1024;
+    HospitalSettings::setSpaceRule(rule);
     QDialog::accept();
 }
 
 void HospitalSettingsDialog::testConnection()
 {
     testConnectionButton->setEnabled(false);
-    for (const HospitalSettings::Role role : { HospitalSettings::Role::Archive, HospitalSettings::Role::Worklist }) {
+    for (const HospitalSettings::Role role : { HospitalSettings::Role::Archive, HospitalSettings::Role::Worklist,
+                                               HospitalSettings::Role::PerformedSteps }) {
         const DicomNode tested = node(role);
         QLabel *result = testResult(role);
-        const QString what = role == HospitalSettings::Role::Archive ? tr("The archive") : tr("The worklist");
+        const QString what = role == HospitalSettings::Role::Archive    ? tr("The archive")
+                           : role == HospitalSettings::Role::Worklist ? tr("The worklist")
+                                                                      : tr("The MPPS system");
         if (tested.calledAeTitle.isEmpty() && tested.host.isEmpty()) {
             result->setText(tr("%1 is not set up.").arg(what));
             continue;

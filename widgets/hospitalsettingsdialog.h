@@ -1,6 +1,8 @@
-// The archive and the worklist: where they are, how this station calls
-// itself, whether finished movies and snapshots go to the archive by
-// themselves; "Test connection" asks both whether they answer.
+// The archive, the worklist and the system that hears of performed steps:
+// where they are, how this station calls itself, whether finished movies
+// and snapshots go to the archive by themselves, where the archive's
+// commitment reports come to, and whether local copies it keeps may be
+// removed to make room; "Test connection" asks each whether it answers.
 #pragma once
 
 #include <QDialog>
@@ -38,6 +40,7 @@ private:
         QSpinBox *port = nullptr;
         QLabel *result = nullptr;
     };
+    QWidget *spaceBox();
     QWidget *nodeBox(const QString &name, const QString &title, const QString &calledLabel, NodeFields &fields,
                      const DicomNode &node);
     const NodeFields &fieldsOf(HospitalSettings::Role role) const;
@@ -46,7 +49,12 @@ private:
 
     NodeFields archiveFields;
     NodeFields worklistFields;
+    NodeFields stepFields;
     QCheckBox *automaticBox = nullptr;
+    QSpinBox *commitmentPort = nullptr;
+    QCheckBox *removeKeptBox = nullptr;
+    QSpinBox *olderThanDays = nullptr;
+    QSpinBox *freeBelowGigabytes = nullptr;
     QPushButton *testConnectionButton = nullptr;
     int pendingTests = 0;
 };

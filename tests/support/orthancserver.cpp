@@ -17,14 +17,14 @@
 namespace {
 const QString orthancProgram = QStringLiteral("/usr/sbin/Orthanc");
 const QString worklistPlugin = QStringLiteral("/usr/share/orthanc/plugins/libModalityWorklists.so");
+} // namespace
 
-int freePort()
+int OrthancServer::freePort()
 {
     QTcpServer server;
     server.listen(QHostAddress::LocalHost, 0);
     return server.serverPort();
 }
-} // namespace
 
 OrthancServer::OrthancServer() = default;
 
@@ -55,7 +55,7 @@ bool OrthancServer::start(QString *error)
     }
     QDir(folder.path()).mkpath(QStringLiteral("db"));
     QDir(folder.path()).mkpath(QStringLiteral("worklists"));
-    const QJsonObject configuration {
+    QJsonObject configuration {
         { "Name", "OrvixTestArchive" },
         { "StorageDirectory", folder.filePath(QStringLiteral("db")) },
         { "IndexDirectory", folder.filePath(QStringLiteral("db")) },
@@ -74,6 +74,10 @@ bool OrthancServer::start(QString *error)
         { "Plugins", QJsonArray { worklistPlugin } },
         { "Worklists", QJsonObject { { "Enable", true }, { "Database", folder.filePath(QStringLiteral("worklists")) } } },
     };
+    QJsonObject stations;
+    for (const auto &[title, port] : std::as_const(modalities))
+        stations.insert(title.toLower(), QJsonArray { title, QStringLiteral("127.0.0.1"), port });
+    configuration.insert(QStringLiteral("DicomModalities"), stations);
     QFile filter(folder.filePath(QStringLiteral("refuse.lua")));
     if (!filter.open(QIODevice::WriteOnly)
         || filter.write(QStringLiteral("function ReceivedInstanceFilter(dicom, origin, info)\n"
@@ -160,18 +164,40 @@ void OrthancServer::clearWorklists()
         worklists.remove(name);
 }
 
-QByteArray OrthancServer::getRaw(const QString &path) const
+QByteArray OrthancServer::request(const QByteArray &verb, const QString &path, const QByteArray &body, bool *ok) const
 {
     QNetworkAccessManager manager;
     QNetworkRequest request(QUrl(QStringLiteral("http://127.0.0.1:%1%2").arg(httpPortNumber).arg(path)));
     request.setTransferTimeout(30000);
-    QNetworkReply *reply = manager.get(request);
+    request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("text/plain"));
+    QNetworkReply *reply = manager.sendCustomRequest(request, verb, body);
     QEventLoop loop;
     QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
     loop.exec();
-    const QByteArray body = reply->error() == QNetworkReply::NoError ? reply->readAll() : QByteArray();
+    const bool answered = reply->error() == QNetworkReply::NoError;
+    if (ok)
+        *ok = answered;
+    const QByteArray answer = answered ? reply->readAll() : QByteArray();
     reply->deleteLater();
-    return body;
+    return answer;
+}
+
+QByteArray OrthancServer::getRaw(const QString &path) const
+{
+    return request("GET", path, QByteArray(), nullptr);
+}
+
+QJsonValue OrthancServer::post(const QString &path, const QByteArray &body) const
+{
+    const QJsonDocument document = QJsonDocument::fromJson(request("POST", path, body, nullptr));
+    return document.isArray() ? QJsonValue(document.array()) : QJsonValue(document.object());
+}
+
+bool OrthancServer::remove(const QString &path) const
+{
+    bool ok = false;
+    request("DELETE", path, QByteArray(), &ok);
+    return ok;
 }
 
 QJsonValue OrthancServer::get(const QString &path) const

@@ -38,6 +38,11 @@ public:
     static QString busyHospital();
 
     static QString aeTitle() { return QStringLiteral("ARCHIVE"); }
+    // A loopback port nothing listens on now.
+    static int freePort();
+    // Set before start(): stations the archive calls back, as AE title,
+    // port on loopback; it sends them its storage commitment reports.
+    QList<QPair<QString, int>> modalities;
     int dicomPort() const { return dicomPortNumber; }
     // The node as this station calls it.
     DicomNode node(const QString &ownAeTitle = QStringLiteral("ORVIX")) const;
@@ -58,8 +63,13 @@ public:
     // GET on the REST API; a null value when it fails.
     QJsonValue get(const QString &path) const;
     QByteArray getRaw(const QString &path) const;
+    QJsonValue post(const QString &path, const QByteArray &body) const;
+    // DELETE on the REST API: whether it was done.
+    bool remove(const QString &path) const;
 
 private:
+    QByteArray request(const QByteArray &verb, const QString &path, const QByteArray &body, bool *ok) const;
+
     QTemporaryDir folder;
     QProcess process;
     int dicomPortNumber = 0;

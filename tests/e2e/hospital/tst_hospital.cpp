@@ -21,11 +21,18 @@
 #include <QJsonArray>
 #include <QJsonObject>
 
+#include <dcmtk/config/osconfig.h>
+#include <dcmtk/dcmdata/dcdeftag.h>
+#include <dcmtk/dcmdata/dcuid.h>
+#include <dcmtk/dcmnet/scu.h>
+
 #include "hospital/archivequeue.h"
 #include "hospital/dicomnetwork.h"
 #include "hospital/dicomobjects.h"
 #include "hospital/mp4summary.h"
+#include "hospital/performedstep.h"
 #include "movieprobe.h"
+#include "mppspeer.h"
 #include "mainwindow/mainwindow.h"
 #include "dicomvalidator.h"
 #include "messageboxwatcher.h"
@@ -52,6 +59,9 @@ private slots:
     void initTestCase()
     {
         QString error;
+        // The archive calls this station back with its commitment reports.
+        commitmentPort = OrthancServer::freePort();
+        archive.modalities = { { QStringLiteral("OR1"), commitmentPort } };
         QVERIFY2(archive.start(&error), qPrintable(error));
         QVERIFY2(devices.startAudio(&error), qPrintable(error));
         QVERIFY2(devices.addMicrophone(QStringLiteral("Orvix High Definition Mic II"), 440, &error), qPrintable(error));
@@ -782,6 +792,203 @@ private slots:
         QVERIFY2(problems[0][0].toString().contains(QLatin1String("cannot be saved")), qPrintable(problems[0][0].toString()));
     }
 
+    // A worklist case closed as the hospital expects: its step reported
+    // started and completed with exactly what the archive holds, every file
+    // confirmed kept, the patient cleared for the next one. Then what goes
+    // wrong: strangers and nonsense at the listener, an archive that lost
+    // a file, a program killed with its case open and the archive away.
+    void caseClosedWithTheHospital()
+    {
+        QString error;
+        MppsPeer steps;
+        QVERIFY2(steps.start(&error), qPrintable(error));
+        archive.clearWorklists();
+        const QString studyUid = QStringLiteral("1.2.826.0.1.3680043.10.1138.77");
+        QVERIFY2(archive.addWorklist(QStringLiteral("lena"),
+                                     OrthancServer::worklistEntry(QStringLiteral("Berg^Lena"), QStringLiteral("P-0077"), studyUid,
+                                                                  QStringLiteral("OR1"), QDate::currentDate(), QStringLiteral("090000"),
+                                                                  QStringLiteral("Colonoscopy")),
+                                     &error),
+                 qPrintable(error));
+        HospitalSettings::setNode(HospitalSettings::Role::Archive, archive.node(QStringLiteral("OR1")));
+        HospitalSettings::setNode(HospitalSettings::Role::Worklist, archive.node(QStringLiteral("OR1")));
+        HospitalSettings::setSendAutomatically(true);
+        HospitalSettings::setCommitmentWaitSeconds(6);
+
+        std::optional<MainWindow> window;
+        window.emplace();
+        QVERIFY(showLive(*window));
+        // The new settings through the dialog, as a user gives them.
+        window->showHospitalSettings();
+        HospitalSettingsDialog *settings = window->hospitalSettingsDialog();
+        const DicomNode stepNode = steps.node(QStringLiteral("OR1"));
+        settings->findChild<QLineEdit *>(QStringLiteral("HospitalStepsOwnAeTitle"))->setText(stepNode.ownAeTitle);
+        settings->findChild<QLineEdit *>(QStringLiteral("HospitalStepsCalledAeTitle"))->setText(stepNode.calledAeTitle);
+        settings->findChild<QLineEdit *>(QStringLiteral("HospitalStepsHost"))->setText(stepNode.host);
+        settings->findChild<QSpinBox *>(QStringLiteral("HospitalStepsPort"))->setValue(stepNode.port);
+        settings->findChild<QSpinBox *>(QStringLiteral("HospitalCommitmentPort"))->setValue(commitmentPort);
+        settings->testButton()->click();
+        QTRY_VERIFY_WITH_TIMEOUT(settings->testButton()->isEnabled(), 15000);
+        QVERIFY2(settings->testResult(HospitalSettings::Role::PerformedSteps)->text().contains(QLatin1String("answered")),
+                 qPrintable(settings->testResult(HospitalSettings::Role::PerformedSteps)->text()));
+        settings->accept();
+        QCOMPARE(HospitalSettings::node(HospitalSettings::Role::PerformedSteps), stepNode);
+
+        // The case: chosen from the worklist, two recordings and a snapshot.
+        auto *patient = window->findChild<QLineEdit *>(QStringLiteral("InformationPatientNameEdit"));
+        auto *patientId = window->findChild<QLineEdit *>(QStringLiteral("InformationPatientIdEdit"));
+        auto *doctor = window->findChild<QLineEdit *>(QStringLiteral("InformationDoctorNameEdit"));
+        window->findChild<QPushButton *>(QStringLiteral("InformationWorklistButton"))->click();
+        QVERIFY(window->worklistDialog());
+        QTRY_VERIFY_WITH_TIMEOUT(!window->worklistDialog()->isAsking(), 15000);
+        QCOMPARE(window->worklistDialog()->table()->rowCount(), 1);
+        window->worklistDialog()->table()->setFocus();
+        QTest::keyClick(window->worklistDialog()->table(), Qt::Key_Return);
+        QTRY_VERIFY(!window->worklistDialog());
+        QCOMPARE(patient->text(), QStringLiteral("Berg, Lena"));
+        window->findChild<QLineEdit *>(QStringLiteral("InformationFileNameEdit"))->setText(QStringLiteral("colon"));
+        doctor->setText(QStringLiteral("Dr. Kaya"));
+        QVERIFY(steps.requests().isEmpty());
+        // The movie recorded, or nothing when the recorder did not follow.
+        const auto record = [&](int seconds, bool snapshot) -> QString {
+            const auto state = [&] { return window->currentRecorder()->recorderState(); };
+            window->captureVideo();
+            if (!QTest::qWaitFor([&] { return state() == QMediaRecorder::RecordingState; }, 5000))
+                return QString();
+            const QString movie = window->recordingFile();
+            QTest::qWait(seconds * 1000);
+            if (snapshot)
+                window->captureStillImage();
+            QTest::qWait(1000);
+            window->captureVideo();
+            if (!QTest::qWaitFor([&] { return state() == QMediaRecorder::StoppedState; }, 10000))
+                return QString();
+            return movie;
+        };
+        QStringList files { record(2, true) };
+        QVERIFY(!files[0].isEmpty());
+        files << root + QStringLiteral("Image/") + QDir(root + QStringLiteral("Image")).entryList({ "*.jpg" }, QDir::Files, QDir::Time).value(0);
+        files << record(2, false);
+        QVERIFY(!files.last().isEmpty());
+        // Started with the first file, once.
+        QTRY_COMPARE_WITH_TIMEOUT(steps.requests().size(), 1, 10000);
+        ArchiveQueue *queue = window->archive();
+        for (const QString &file : std::as_const(files))
+            QTRY_COMPARE_WITH_TIMEOUT(queue->state(file), ArchiveQueue::State::Kept, 30000);
+
+        // Finished from the keyboard: the button takes the focus and Space.
+        auto *finish = window->findChild<QPushButton *>(QStringLiteral("InformationFinishCaseButton"));
+        QVERIFY(finish && finish->isVisible() && finish->isEnabled());
+        finish->setFocus();
+        QTest::keyClick(finish, Qt::Key_Space);
+        QVERIFY(patient->text().isEmpty() && patientId->text().isEmpty());
+        QCOMPARE(doctor->text(), QStringLiteral("Dr. Kaya"));
+        QTRY_COMPARE_WITH_TIMEOUT(steps.requests().size(), 2, 15000);
+        QSet<QString> held;
+        for (const QJsonValue &value : archive.get(QStringLiteral("/instances?expand")).toArray())
+            held.insert(value.toObject().value("MainDicomTags").toObject().value("SOPInstanceUID").toString());
+        QCOMPARE(held.size(), 3);
+        checkStepStarted(steps.requests()[0], studyUid);
+        checkStepEnded(steps.requests()[1], steps.requests()[0].instanceUid, held, 3);
+
+        // The listener: a stranger is refused; a report of a transaction
+        // never asked and one that cannot be read are answered, and change
+        // nothing.
+        DicomNode stranger { QStringLiteral("INTRUDER"), QStringLiteral("OR1"), QStringLiteral("127.0.0.1"), commitmentPort };
+        QVERIFY2(DicomNetwork::echo(stranger).contains(QLatin1String("refused")), qPrintable(DicomNetwork::echo(stranger)));
+        QCOMPARE(reportToListener(QStringLiteral("2.25.1234"), *held.cbegin()), quint16(0));
+        QCOMPARE(reportToListener(QString(), *held.cbegin()), quint16(0x0120));
+        QTest::qWait(500);
+        for (const QString &file : std::as_const(files))
+            QCOMPARE(queue->state(file), ArchiveQueue::State::Kept);
+
+        // A typed case whose snapshot the archive loses before it is asked
+        // to keep it: it says so, the snapshot goes again and is kept.
+        patient->setText(QStringLiteral("Nord, Ida"));
+        patientId->setText(QStringLiteral("T-5"));
+        HospitalSettings::setCommitmentPort(0); // nobody asked for now
+        const QString lostMovie = record(2, true);
+        QVERIFY(!lostMovie.isEmpty());
+        const QString lost = root + QStringLiteral("Image/")
+                + QDir(root + QStringLiteral("Image")).entryList({ "*.jpg" }, QDir::Files, QDir::Time).value(0);
+        QTRY_COMPARE_WITH_TIMEOUT(queue->state(lostMovie), ArchiveQueue::State::Sent, 30000);
+        QTRY_COMPARE_WITH_TIMEOUT(queue->state(lost), ArchiveQueue::State::Sent, 30000);
+        ObjectContext lostContext;
+        QVERIFY(queue->context(lost, &lostContext));
+        const QJsonArray found = archive.post(QStringLiteral("/tools/lookup"), lostContext.sopInstanceUid.toUtf8()).toArray();
+        QCOMPARE(found.size(), 1);
+        QVERIFY(archive.remove(QStringLiteral("/instances/") + found[0].toObject().value("ID").toString()));
+        HospitalSettings::setCommitmentPort(commitmentPort);
+        queue->retryNow();
+        QTRY_COMPARE_WITH_TIMEOUT(queue->state(lostMovie), ArchiveQueue::State::Kept, 30000);
+        QTRY_COMPARE_WITH_TIMEOUT(queue->state(lost), ArchiveQueue::State::Kept, 30000);
+        QCOMPARE(archive.post(QStringLiteral("/tools/lookup"), lostContext.sopInstanceUid.toUtf8()).toArray().size(), 1);
+        // The typed case reported too, as unscheduled, and ended with both.
+        window->finishCase();
+        QTRY_COMPARE_WITH_TIMEOUT(steps.requests().size(), 4, 15000);
+        checkStepStarted(steps.requests()[2], QString());
+        {
+            ObjectContext movieContext;
+            QVERIFY(queue->context(lostMovie, &movieContext));
+            checkStepEnded(steps.requests()[3], steps.requests()[2].instanceUid,
+                           { movieContext.sopInstanceUid, lostContext.sopInstanceUid }, 2);
+        }
+        // Its answer heard before the window closes.
+        QTRY_VERIFY_WITH_TIMEOUT(!queue->hasStep(steps.requests()[2].instanceUid), 10000);
+        window.reset();
+
+        // Killed with its case open and its files sent but not yet kept; the
+        // archive away when it starts again. Nothing is sent twice, the
+        // confirmation comes once the archive is back, and the open case is
+        // offered to be finished.
+        HospitalSettings::setCommitmentPort(0);
+        const int instancesBefore = archive.get(QStringLiteral("/instances")).toArray().size();
+        QProcess program;
+        program.setProcessEnvironment(devices.environment());
+        program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        program.start(QStringLiteral(ORVIX_RECORDING_HELPER), { QStringLiteral("killed"), QStringLiteral("2") });
+        QVERIFY(program.waitForStarted(5000));
+        QVERIFY(QTest::qWaitFor([&] { return program.canReadLine(); }, 30000));
+        const QString killedMovie = QString::fromLocal8Bit(program.readLine()).trimmed().mid(10);
+        QVERIFY(QTest::qWaitFor([&] { return program.canReadLine(); }, 30000));
+        QCOMPARE(QString::fromLocal8Bit(program.readLine()).trimmed(), QStringLiteral("finished"));
+        QTRY_COMPARE_WITH_TIMEOUT(archive.get(QStringLiteral("/instances")).toArray().size(), instancesBefore + 2, 30000);
+        QTRY_COMPARE_WITH_TIMEOUT(steps.requests().size(), 5, 10000);
+        archive.stop();
+        ::kill(pid_t(program.processId()), SIGKILL);
+        QVERIFY(program.waitForFinished(5000));
+        HospitalSettings::setCommitmentPort(commitmentPort);
+
+        window.emplace();
+        window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(&*window));
+        QMessageBox *offer = nullptr;
+        QTRY_VERIFY((offer = window->findChild<QMessageBox *>(QStringLiteral("OpenCaseQuestion"))) && offer->isVisible());
+        QVERIFY2(offer->text().contains(QLatin1String("Kill, Test")), qPrintable(offer->text()));
+        QCOMPARE(window->findChild<QLineEdit *>(QStringLiteral("InformationPatientNameEdit"))->text(), QStringLiteral("Kill, Test"));
+        QTest::qWait(2000);
+        QCOMPARE(window->archive()->state(killedMovie), ArchiveQueue::State::Sent);
+        QVERIFY2(archive.start(&error), qPrintable(error));
+        QTRY_COMPARE_WITH_TIMEOUT(window->archive()->state(killedMovie), ArchiveQueue::State::Kept, 40000);
+        QCOMPARE(archive.get(QStringLiteral("/instances")).toArray().size(), instancesBefore + 2);
+        // Finished from the offer: its end names both files.
+        offer->button(QMessageBox::NoButton);
+        const auto buttons = offer->buttons();
+        const auto finishOffered = std::find_if(buttons.cbegin(), buttons.cend(), [offer](QAbstractButton *button) {
+            return offer->buttonRole(button) == QMessageBox::AcceptRole;
+        });
+        QVERIFY(finishOffered != buttons.cend());
+        (*finishOffered)->click();
+        QTRY_COMPARE_WITH_TIMEOUT(steps.requests().size(), 6, 15000);
+        QCOMPARE(steps.requests()[5].instanceUid, steps.requests()[4].instanceUid);
+        QVERIFY(window->findChild<QLineEdit *>(QStringLiteral("InformationPatientNameEdit"))->text().isEmpty());
+        for (const MppsPeer::Request &request : steps.requests())
+            QCOMPARE(request.answered, quint16(0));
+        HospitalSettings::setCommitmentPort(0);
+        HospitalSettings::setNode(HospitalSettings::Role::PerformedSteps, DicomNode());
+        HospitalSettings::setSendAutomatically(false);
+    }
+
 private:
     // A window as the user meets it: shown, its camera live.
     static bool showLive(MainWindow &window)
@@ -789,6 +996,117 @@ private:
         window.resize(1280, 720);
         window.show();
         return QTest::qWaitForWindowExposed(&window) && QTest::qWaitFor([&] { return window.isCameraLive(); }, 10000);
+    }
+
+    // An N-EVENT-REPORT to the program's listener as the archive: its answer.
+    quint16 reportToListener(const QString &transaction, const QString &instance)
+    {
+        DcmSCU scu;
+        scu.setAETitle(OrthancServer::aeTitle().toLatin1().constData());
+        scu.setPeerAETitle("OR1");
+        scu.setPeerHostName("127.0.0.1");
+        scu.setPeerPort(Uint16(commitmentPort));
+        OFList<OFString> syntaxes;
+        syntaxes.push_back(UID_LittleEndianImplicitTransferSyntax);
+        scu.addPresentationContext(UID_StorageCommitmentPushModelSOPClass, syntaxes, ASC_SC_ROLE_SCP);
+        if (scu.initNetwork().bad() || scu.negotiateAssociation().bad())
+            return 0xffff;
+        DcmDataset report;
+        if (!transaction.isEmpty())
+            report.putAndInsertString(DCM_TransactionUID, transaction.toLatin1().constData());
+        DcmItem *item = nullptr;
+        report.findOrCreateSequenceItem(DCM_ReferencedSOPSequence, item, -2);
+        item->putAndInsertString(DCM_ReferencedSOPClassUID, UID_VLEndoscopicImageStorage);
+        item->putAndInsertString(DCM_ReferencedSOPInstanceUID, instance.toLatin1().constData());
+        Uint16 status = 0xffff;
+        const T_ASC_PresentationContextID id = scu.findAnyPresentationContextID(UID_StorageCommitmentPushModelSOPClass, "");
+        if (scu.sendEVENTREPORTRequest(id, UID_StorageCommitmentPushModelSOPInstance, 1, &report, status).bad())
+            status = 0xfffe;
+        scu.releaseAssociation();
+        return status;
+    }
+
+    static QString valueOf(DcmItem *item, const DcmTagKey &tag)
+    {
+        OFString value;
+        item->findAndGetOFStringArray(tag, value);
+        return QString::fromUtf8(value.c_str());
+    }
+
+    // The N-CREATE as PS3.4's table has it: Type 1 there with a value,
+    // Type 2 there, the scheduled step's references right.
+    void checkStepStarted(const MppsPeer::Request &request, const QString &studyUid)
+    {
+        QVERIFY(request.create);
+        QCOMPARE(request.answered, quint16(0));
+        DcmDataset *set = request.dataset.get();
+        for (const DcmTagKey &tag : { DCM_PerformedProcedureStepID, DCM_PerformedStationAETitle, DCM_PerformedProcedureStepStartDate,
+                                      DCM_PerformedProcedureStepStartTime, DCM_PerformedProcedureStepStatus, DCM_Modality })
+            QVERIFY2(!valueOf(set, tag).isEmpty(), qPrintable(QString::fromLatin1(DcmTag(tag).getTagName())));
+        for (const DcmTagKey &tag : { DCM_PatientName, DCM_PatientID, DCM_PatientBirthDate, DCM_PatientSex, DCM_ReferencedPatientSequence,
+                                      DCM_PerformedStationName, DCM_PerformedLocation, DCM_PerformedProcedureStepDescription,
+                                      DCM_PerformedProcedureTypeDescription, DCM_ProcedureCodeSequence,
+                                      DCM_PerformedProcedureStepEndDate, DCM_PerformedProcedureStepEndTime, DCM_StudyID,
+                                      DCM_PerformedProtocolCodeSequence, DCM_PerformedSeriesSequence })
+            QVERIFY2(set->tagExists(tag), qPrintable(QString::fromLatin1(DcmTag(tag).getTagName())));
+        QCOMPARE(valueOf(set, DCM_PerformedProcedureStepStatus), QStringLiteral("IN PROGRESS"));
+        QCOMPARE(valueOf(set, DCM_Modality), QStringLiteral("ES"));
+        QCOMPARE(valueOf(set, DCM_PerformedStationAETitle), QStringLiteral("OR1"));
+        DcmItem *scheduled = nullptr;
+        QVERIFY(set->findAndGetSequenceItem(DCM_ScheduledStepAttributesSequence, scheduled).good() && scheduled);
+        for (const DcmTagKey &tag : { DCM_ReferencedStudySequence, DCM_AccessionNumber, DCM_RequestedProcedureID,
+                                      DCM_RequestedProcedureDescription, DCM_ScheduledProcedureStepID,
+                                      DCM_ScheduledProcedureStepDescription, DCM_ScheduledProtocolCodeSequence })
+            QVERIFY2(scheduled->tagExists(tag), qPrintable(QString::fromLatin1(DcmTag(tag).getTagName())));
+        const QString study = valueOf(scheduled, DCM_StudyInstanceUID);
+        if (studyUid.isEmpty()) {
+            // Unscheduled: a study of its own, the scheduled values empty.
+            QVERIFY2(study.startsWith(QLatin1String("2.25.")), qPrintable(study));
+            QVERIFY(valueOf(scheduled, DCM_ScheduledProcedureStepID).isEmpty());
+            QCOMPARE(valueOf(set, DCM_PatientID), QStringLiteral("T-5"));
+        } else {
+            QCOMPARE(study, studyUid);
+            QCOMPARE(valueOf(scheduled, DCM_AccessionNumber), QStringLiteral("ACC-P-0077"));
+            QCOMPARE(valueOf(scheduled, DCM_ScheduledProcedureStepID), QStringLiteral("SPS-P-0077"));
+            QCOMPARE(valueOf(scheduled, DCM_RequestedProcedureID), QStringLiteral("RP-P-0077"));
+            QCOMPARE(valueOf(set, DCM_PatientName), QStringLiteral("Berg^Lena"));
+            QCOMPARE(valueOf(set, DCM_PatientID), QStringLiteral("P-0077"));
+            QCOMPARE(valueOf(set, DCM_PatientBirthDate), QStringLiteral("19800214"));
+        }
+    }
+
+    // The N-SET: the same step, completed, its end given, one item per
+    // series, referencing exactly `instances`.
+    void checkStepEnded(const MppsPeer::Request &request, const QString &step, const QSet<QString> &instances, int series)
+    {
+        QVERIFY(!request.create);
+        QCOMPARE(request.answered, quint16(0));
+        QCOMPARE(request.instanceUid, step);
+        DcmDataset *set = request.dataset.get();
+        QCOMPARE(valueOf(set, DCM_PerformedProcedureStepStatus), QStringLiteral("COMPLETED"));
+        QVERIFY(!valueOf(set, DCM_PerformedProcedureStepEndDate).isEmpty());
+        QVERIFY(!valueOf(set, DCM_PerformedProcedureStepEndTime).isEmpty());
+        DcmSequenceOfItems *performed = nullptr;
+        QVERIFY(set->findAndGetSequence(DCM_PerformedSeriesSequence, performed).good() && performed);
+        QCOMPARE(int(performed->card()), series);
+        QSet<QString> referenced;
+        for (unsigned long at = 0; at < performed->card(); ++at) {
+            DcmItem *item = performed->getItem(at);
+            for (const DcmTagKey &tag : { DCM_ProtocolName, DCM_SeriesInstanceUID })
+                QVERIFY2(!valueOf(item, tag).isEmpty(), qPrintable(QString::fromLatin1(DcmTag(tag).getTagName())));
+            for (const DcmTagKey &tag : { DCM_PerformingPhysicianName, DCM_OperatorsName, DCM_SeriesDescription,
+                                          DCM_RetrieveAETitle, DCM_ReferencedImageSequence,
+                                          DCM_ReferencedNonImageCompositeSOPInstanceSequence })
+                QVERIFY2(item->tagExists(tag), qPrintable(QString::fromLatin1(DcmTag(tag).getTagName())));
+            QCOMPARE(valueOf(item, DCM_RetrieveAETitle), OrthancServer::aeTitle());
+            DcmSequenceOfItems *images = nullptr;
+            QVERIFY(item->findAndGetSequence(DCM_ReferencedImageSequence, images).good() && images);
+            for (unsigned long image = 0; image < images->card(); ++image) {
+                QVERIFY(!valueOf(images->getItem(image), DCM_ReferencedSOPClassUID).isEmpty());
+                referenced.insert(valueOf(images->getItem(image), DCM_ReferencedSOPInstanceUID));
+            }
+        }
+        QCOMPARE(referenced, instances);
     }
 
     // What arrived, read back through Orthanc's REST API.
@@ -904,6 +1222,7 @@ private:
     }
 
     QTemporaryDir outbox;
+    int commitmentPort = 0;
     VirtualDevices &devices;
     OrthancServer archive;
     QString root;
