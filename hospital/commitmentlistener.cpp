@@ -2,12 +2,47 @@
 
 #include <atomic>
 
+#include <QtGlobal>
+#ifdef Q_OS_UNIX
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#endif
+
 #include <dcmtk/config/osconfig.h>
 #include <dcmtk/dcmdata/dcuid.h>
 #include <dcmtk/dcmnet/diutil.h>
 #include <dcmtk/dcmnet/scp.h>
 
 #include "app/orvixlogging.h"
+
+namespace {
+// A program started from this one (a file manager, a viewer) must not keep
+// the listening socket open after this one ends: the next start could not
+// listen on its port while that program runs.
+void keepFromChildren(int port)
+{
+#ifdef Q_OS_UNIX
+    for (int descriptor = 3; descriptor < 1024; ++descriptor) {
+        sockaddr_storage address {};
+        socklen_t length = sizeof(address);
+        if (::getsockname(descriptor, reinterpret_cast<sockaddr *>(&address), &length) != 0)
+            continue;
+        int bound = 0;
+        if (address.ss_family == AF_INET)
+            bound = ntohs(reinterpret_cast<sockaddr_in *>(&address)->sin_port);
+        else if (address.ss_family == AF_INET6)
+            bound = ntohs(reinterpret_cast<sockaddr_in6 *>(&address)->sin6_port);
+        if (bound == port)
+            ::fcntl(descriptor, F_SETFD, ::fcntl(descriptor, F_GETFD) | FD_CLOEXEC);
+    }
+#else
+    // Not done on Windows yet: there the socket would need SetHandleInformation.
+    Q_UNUSED(port);
+#endif
+}
+} // namespace
 
 class CommitmentService final : public DcmSCP
 {
@@ -115,17 +150,31 @@ void CommitmentListener::listen(int newPort, const QString &newOwnAeTitle, const
     service->addPresentationContext(UID_StorageCommitmentPushModelSOPClass, syntaxes, ASC_SC_ROLE_SCUSCP);
     service->addPresentationContext(UID_VerificationSOPClass, syntaxes);
     thread = QThread::create([this, service = service, port = port] {
-        const OFCondition condition = service->listen();
-        if (condition.bad() && !service->stopping) {
+        // A port still held (by a copy of the program closing, or another
+        // program) is tried again until it is free; said once.
+        bool said = false;
+        while (!service->stopping) {
+            OFCondition condition = service->openListenPort();
+            if (condition.good()) {
+                keepFromChildren(port);
+                condition = service->acceptAssociations();
+                if (condition.good() || service->stopping)
+                    break;
+            }
             const QString why = QString::fromLocal8Bit(condition.text());
-            qCWarning(lcHospital) << "commitment listener on port" << port << "ended:" << why;
-            QMetaObject::invokeMethod(this, [this, port, why] {
-                emit problem(tr("This station cannot take the archive's answers on port %1: %2\n\nCheck the port "
-                                "under Configuration > Hospital Systems; files stay \"sent\" until the archive can "
-                                "answer.")
-                                 .arg(port)
-                                 .arg(why));
-            }, Qt::QueuedConnection);
+            qCWarning(lcHospital) << "commitment listener on port" << port << ":" << why;
+            if (!said) {
+                said = true;
+                QMetaObject::invokeMethod(this, [this, port, why] {
+                    emit problem(tr("This station cannot take the archive's answers on port %1 now: %2\n\nIt keeps "
+                                    "trying. If this stays, check the port under Configuration > Hospital Systems; "
+                                    "files stay \"sent\" until the archive's answer comes.")
+                                         .arg(port)
+                                         .arg(why));
+                }, Qt::QueuedConnection);
+            }
+            for (int wait = 0; wait < 50 && !service->stopping; ++wait)
+                QThread::msleep(100);
         }
     });
     thread->setObjectName(QStringLiteral("commitment listener"));

@@ -424,7 +424,8 @@ QString MainWindow::archiveSummary(const QString &file) const
     const bool picture = DicomObjects::kindOf(file) == DicomObjects::Kind::Picture;
     const ArchiveQueue::State state = archiveQueue->state(file);
     bool known = true;
-    if (state == ArchiveQueue::State::Sent || state == ArchiveQueue::State::Sending || picture)
+    if (state == ArchiveQueue::State::Sent || state == ArchiveQueue::State::Kept || state == ArchiveQueue::State::Sending
+        || picture)
         known = archiveQueue->context(file, &context) || archiveQueue->knownPicture(file, &context);
     else
         context = movieContext(file);
@@ -440,7 +441,7 @@ QString MainWindow::archiveSummary(const QString &file) const
         lines << tr("Study: from the worklist, %1").arg(context.study.worklist.requestedProcedure);
     else if (!context.study.studyInstanceUid.isEmpty())
         lines << tr("Study: %1").arg(context.study.studyInstanceUid);
-    if (state == ArchiveQueue::State::Sent)
+    if (state == ArchiveQueue::State::Sent || state == ArchiveQueue::State::Kept)
         lines << tr("The archive keeps what it received; a correction made here does not reach it.");
     return lines.join(QLatin1Char('\n'));
 }
@@ -495,6 +496,7 @@ void MainWindow::sendSelectedToArchive()
         QMessageBox::information(this, tr("Archive"), tr("%1 is being sent now.").arg(name));
         return;
     case ArchiveQueue::State::Sent:
+    case ArchiveQueue::State::Kept:
         QMessageBox::information(this, tr("Archive"),
                                  tr("%1 has been sent. The archive keeps what it received; a correction is made "
                                     "there.").arg(name));
@@ -612,6 +614,7 @@ void MainWindow::saveBrowsedPatientId(const ObjectContext &before)
     const bool changed = archived(before) != archived(after);
     switch (archiveQueue->state(currentMoviePath)) {
     case ArchiveQueue::State::Sent:
+    case ArchiveQueue::State::Kept:
     case ArchiveQueue::State::Sending:
         if (changed)
                 showArchiveProblem(tr("%1 has already been sent. The archive keeps what it received; the correction is "

@@ -50,6 +50,11 @@ void ArchiveStateDelegate::paint(QPainter *painter, const QStyleOptionViewItem &
         colour = QColor(46, 139, 87);
         mark = QStringLiteral("✓");
         break;
+    case ArchiveQueue::State::Kept:
+        // Sent and confirmed: the archive's promise, not only its receipt.
+        colour = QColor(31, 97, 141);
+        mark = QStringLiteral("✓");
+        break;
     case ArchiveQueue::State::Failed:
         colour = QColor(192, 57, 43);
         mark = QStringLiteral("!");

@@ -17,6 +17,8 @@
 #include "hospital/dicomnetwork.h"
 #include "hospital/dicomobjects.h"
 #include "hospital/dicomtext.h"
+#include "hospital/performedstep.h"
+#include "hospital/spacekeeper.h"
 #include "orvixtest.h"
 
 namespace {
@@ -277,6 +279,97 @@ private slots:
         QCOMPARE(int(outcome.kind), kind);
         QVERIFY2(outcome.text.contains(says), qPrintable(outcome.text));
         QVERIFY(!outcome.refusedBySettings);
+    }
+
+    // A performed step's answers, as the hospital's system may give them:
+    // a repeat after a lost answer is done, never a failure.
+    void stepStatuses_data()
+    {
+        QTest::addColumn<int>("status");
+        QTest::addColumn<bool>("ending");
+        QTest::addColumn<int>("kind");
+        using Kind = StoreOutcome::Kind;
+        QTest::addRow("started") << 0x0000 << false << int(Kind::Stored);
+        QTest::addRow("start repeated") << 0x0111 << false << int(Kind::Stored);
+        QTest::addRow("end repeated") << 0xa710 << true << int(Kind::Stored);
+        QTest::addRow("end of an unknown step") << 0x0112 << true << int(Kind::Lasting);
+        QTest::addRow("a second start is no end") << 0x0111 << true << int(Kind::Lasting);
+        QTest::addRow("missing attribute") << 0x0120 << false << int(Kind::Lasting);
+        QTest::addRow("out of resources") << 0x0213 << true << int(Kind::Transient);
+        QTest::addRow("warning") << 0x0001 << true << int(Kind::Stored);
+    }
+
+    void stepStatuses()
+    {
+        QFETCH(int, status);
+        QFETCH(bool, ending);
+        QFETCH(int, kind);
+        const StoreOutcome outcome = DicomNetwork::stepOutcome(quint16(status), QStringLiteral("RIS@host:104"), ending);
+        QCOMPARE(int(outcome.kind), kind);
+        if (status != 0)
+            QVERIFY2(outcome.text.contains(QStringLiteral("0x%1").arg(status, 4, 16, QLatin1Char('0'))), qPrintable(outcome.text));
+    }
+
+    // A case that kept nothing ends discontinued, with a reason and no
+    // series; its step, kept in the queue, comes back whole.
+    void discontinuedStep()
+    {
+        PerformedStep step;
+        step.uid = DicomUid::make();
+        step.study.worklist.patientName = QStringLiteral("Berg^Lena");
+        step.started = QDateTime(QDate(2026, 11, 25), QTime(9, 5, 7));
+        step.ended = step.started.addSecs(600);
+        step.status = PerformedStep::Status::Discontinued;
+        step = PerformedStep::fromJson(step.toJson());
+        QCOMPARE(step.id(), QStringLiteral("20261125090507"));
+        DcmDataset end;
+        step.fillEnd(&end, QStringLiteral("ARCHIVE"));
+        QCOMPARE(text(end, DCM_PerformedProcedureStepStatus), QStringLiteral("DISCONTINUED"));
+        QCOMPARE(text(end, DCM_PerformedProcedureStepEndTime), QStringLiteral("091507"));
+        DcmItem *reason = nullptr;
+        QVERIFY(end.findAndGetSequenceItem(DCM_PerformedProcedureStepDiscontinuationReasonCodeSequence, reason).good());
+        QCOMPARE(text(*reason, DCM_CodeValue), QStringLiteral("110513"));
+        QCOMPARE(text(*reason, DCM_CodingSchemeDesignator), QStringLiteral("DCM"));
+        DcmSequenceOfItems *series = nullptr;
+        QVERIFY(end.findAndGetSequence(DCM_PerformedSeriesSequence, series).good() && series);
+        QCOMPARE(int(series->card()), 0);
+    }
+
+    // Which kept movies go when room runs short: sizes in MB, ages in days.
+    void spaceKeeper_data()
+    {
+        QTest::addColumn<bool>("enabled");
+        QTest::addColumn<int>("freeMb");
+        QTest::addColumn<QString>("removed");
+        // a: 10 MB, 40 days old; b: 30 MB, 35 days; c: 50 MB, 5 days (too
+        // young); d: 20 MB, 60 days, being recorded or played.
+        QTest::addRow("off") << false << 10 << "";
+        QTest::addRow("room enough") << true << 120 << "";
+        QTest::addRow("oldest first, until there is room") << true << 95 << "a";
+        QTest::addRow("more when more is needed") << true << 70 << "a,b";
+        QTest::addRow("never the young nor the untouchable") << true << 1 << "a,b";
+    }
+
+    void spaceKeeper()
+    {
+        QFETCH(bool, enabled);
+        QFETCH(int, freeMb);
+        QFETCH(QString, removed);
+        const QDateTime now(QDate(2026, 11, 25), QTime(12, 0));
+        constexpr qint64 mb = 1024 * 1024;
+        const QList<SpaceKeeper::Copy> kept { { "/r/Movie/c.mp4", 50 * mb, now.addDays(-5) },
+                                              { "/r/Movie/b.mp4", 30 * mb, now.addDays(-35) },
+                                              { "/r/Movie/d.mp4", 20 * mb, now.addDays(-60) },
+                                              { "/r/Movie/a.mp4", 10 * mb, now.addDays(-40) } };
+        HospitalSettings::SpaceRule rule;
+        rule.enabled = enabled;
+        rule.olderThanDays = 30;
+        rule.freeBelowMegabytes = 100;
+        const QStringList chosen = SpaceKeeper::choose(kept, freeMb * mb, rule, now, { "/r/Movie/d.mp4" });
+        QStringList names;
+        for (const QString &path : chosen)
+            names << QFileInfo(path).baseName();
+        QCOMPARE(names.join(QLatin1Char(',')), removed);
     }
 
 private:

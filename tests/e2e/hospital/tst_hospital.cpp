@@ -12,6 +12,7 @@
 #include <QSpinBox>
 #include <QTableWidget>
 #include <QStandardPaths>
+#include <QStorageInfo>
 #include <QTcpServer>
 #include <QTextEdit>
 
@@ -984,6 +985,8 @@ private slots:
         QVERIFY(window->findChild<QLineEdit *>(QStringLiteral("InformationPatientNameEdit"))->text().isEmpty());
         for (const MppsPeer::Request &request : steps.requests())
             QCOMPARE(request.answered, quint16(0));
+        window.reset();
+        relievedDisk();
         HospitalSettings::setCommitmentPort(0);
         HospitalSettings::setNode(HospitalSettings::Role::PerformedSteps, DicomNode());
         HospitalSettings::setSendAutomatically(false);
@@ -996,6 +999,85 @@ private:
         window.resize(1280, 720);
         window.show();
         return QTest::qWaitForWindowExposed(&window) && QTest::qWaitFor([&] { return window.isCameraLive(); }, 10000);
+    }
+
+    // On a small disk, with removal chosen: the oldest movie the archive
+    // keeps goes until there is room again; a newer kept one, one never
+    // confirmed, a snapshot and the recording running stay.
+    void relievedDisk()
+    {
+        const QString small = outbox.filePath(QStringLiteral("small"));
+        QDir().mkpath(small);
+        if (QProcess::execute(QStringLiteral("mount"), { QStringLiteral("-t"), QStringLiteral("tmpfs"), QStringLiteral("-o"),
+                                                        QStringLiteral("size=64m"), QStringLiteral("tmpfs"), small })
+            != 0) {
+            if (::geteuid() == 0)
+                QFAIL("cannot mount a small file system, though running as root");
+            QSKIP("cannot mount a small file system here (needs root)");
+        }
+        auto unmount = qScopeGuard([&] {
+            QSettings().setValue(QStringLiteral("filePreviewPanel/storageLocation"), root);
+            QProcess::execute(QStringLiteral("umount"), { QStringLiteral("-l"), small });
+        });
+        QSettings().setValue(QStringLiteral("filePreviewPanel/storageLocation"), small);
+        MainWindow window;
+        QVERIFY(showLive(window));
+        window.findChild<QLineEdit *>(QStringLiteral("InformationFileNameEdit"))->setText(QStringLiteral("room"));
+        window.findChild<QLineEdit *>(QStringLiteral("InformationPatientNameEdit"))->setText(QStringLiteral("Room, Test"));
+        window.findChild<QLineEdit *>(QStringLiteral("InformationPatientIdEdit"))->setText(QStringLiteral("R-1"));
+        const auto state = [&] { return window.currentRecorder()->recorderState(); };
+        const auto startRecording = [&] {
+            window.captureVideo();
+            return QTest::qWaitFor([&] { return state() == QMediaRecorder::RecordingState; }, 5000)
+                    ? window.recordingFile() : QString();
+        };
+        const auto stopRecording = [&] {
+            window.captureVideo();
+            return QTest::qWaitFor([&] { return state() == QMediaRecorder::StoppedState; }, 10000);
+        };
+        HospitalSettings::setSendAutomatically(false);
+        const QString unconfirmed = startRecording();
+        QTest::qWait(1000);
+        QVERIFY(stopRecording());
+        HospitalSettings::setSendAutomatically(true);
+        const QString older = startRecording();
+        QTest::qWait(6000);
+        QVERIFY(stopRecording());
+        const QString newer = startRecording();
+        QTest::qWait(1000);
+        QVERIFY(stopRecording());
+        QTRY_COMPARE_WITH_TIMEOUT(window.archive()->state(older), ArchiveQueue::State::Kept, 30000);
+        QTRY_COMPARE_WITH_TIMEOUT(window.archive()->state(newer), ArchiveQueue::State::Kept, 30000);
+        QCOMPARE(window.archive()->state(unconfirmed), ArchiveQueue::State::NotSent);
+
+        // Short of room from now: the level set half the older movie above
+        // what is free, so that it alone brings the room back.
+        const qint64 olderSize = QFileInfo(older).size();
+        QVERIFY2(olderSize > 2 * 1024 * 1024, qPrintable(QString::number(olderSize)));
+        HospitalSettings::SpaceRule rule;
+        rule.enabled = true;
+        rule.olderThanDays = 0;
+        rule.freeBelowMegabytes = (QStorageInfo(small).bytesAvailable() + olderSize / 2) / (1024 * 1024);
+        HospitalSettings::setSpaceRule(rule);
+        const QString running = startRecording();
+        QVERIFY(!running.isEmpty());
+        window.captureStillImage();
+        const QDir pictures(small + QStringLiteral("/Image"));
+        QTRY_COMPARE_WITH_TIMEOUT(pictures.entryList({ "*.jpg" }, QDir::Files).size(), 1, 5000);
+        const QString picture = pictures.filePath(pictures.entryList({ "*.jpg" }, QDir::Files).value(0));
+        QTRY_COMPARE_WITH_TIMEOUT(window.archive()->state(picture), ArchiveQueue::State::Kept, 30000);
+        QTRY_VERIFY_WITH_TIMEOUT(!QFileInfo::exists(older), 5000);
+        QVERIFY(stopRecording());
+        for (const QString &file : { newer, unconfirmed, running, picture })
+            QVERIFY2(QFileInfo(file).size() > 0, qPrintable(file));
+        // Its information stays, and says where it went.
+        const QString information = StoragePaths::recordingInformationPath(older);
+        QCOMPARE(RecordingInformation::read(information).patient, QStringLiteral("Room, Test"));
+        QVERIFY(QSettings(information, QSettings::IniFormat).value(QStringLiteral("PACS/RemovedBecause")).toString().contains(OrthancServer::aeTitle()));
+        auto *notice = window.findChild<QMessageBox *>(QStringLiteral("ArchiveNotice"));
+        QVERIFY(notice && notice->text().contains(QFileInfo(older).fileName()));
+        QVERIFY(!notice->text().contains(QFileInfo(newer).fileName()));
+        HospitalSettings::setSpaceRule({});
     }
 
     // An N-EVENT-REPORT to the program's listener as the archive: its answer.
