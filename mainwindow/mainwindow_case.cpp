@@ -63,7 +63,8 @@ void MainWindow::startCase(const CaseInformation &information)
     openCase.typedStudyUid = typedCaseStudyUid;
     openCase.started = caseStarted;
     const DicomNode steps = HospitalSettings::node(HospitalSettings::Role::PerformedSteps);
-    if (steps.isComplete()) {
+    // Without an ID nothing of the case goes out, and neither does its step.
+    if (steps.isComplete() && information.hasPatientId()) {
         PerformedStep step;
         step.uid = DicomUid::make();
         step.study = information;
@@ -92,9 +93,6 @@ void MainWindow::endOpenCase()
     qCInfo(lcHospital) << "case finished:" << openCase.key << (keptSomething ? "" : "(nothing kept)");
     openCase = OpenCase();
     saveOpenCase();
-    // The next case is a study of its own, even for the same patient.
-    caseKey.clear();
-    typedCaseStudyUid.clear();
     updateFinishCaseButton();
 }
 
@@ -106,6 +104,9 @@ void MainWindow::finishCase()
         return;
     }
     endOpenCase();
+    // The next case is a study of its own, even for the same patient.
+    caseKey.clear();
+    typedCaseStudyUid.clear();
     // The patient goes; the doctor and the hospital stay for the next one.
     chosenWorklistEntry = WorklistEntry();
     chosenWorklistName.clear();
