@@ -128,8 +128,11 @@ void MainWindow::updateFinishCaseButton()
     if (!finishCaseButton || !patientIdField)
         return;
     finishCaseButton->setVisible(liveInformationShown);
-    const bool anything = !openCase.key.isEmpty() || !chosenWorklistEntry.studyInstanceUid.isEmpty()
-                       || !liveRecordingInformation().patient.trimmed().isEmpty() || !livePatientIdText().isEmpty();
+    // Rests while a recording runs, as the patient's fields do: the
+    // recording belongs to the case.
+    const bool anything = (!openCase.key.isEmpty() || !chosenWorklistEntry.studyInstanceUid.isEmpty()
+                           || !liveRecordingInformation().patient.trimmed().isEmpty() || !livePatientIdText().isEmpty())
+                       && informationFields[patientField]->isEnabled();
     finishCaseButton->setEnabled(anything);
     if (finishCaseAction)
         finishCaseAction->setEnabled(anything);

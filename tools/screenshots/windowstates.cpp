@@ -5,6 +5,7 @@
 // the hospital's systems against a real Orthanc.
 // Usage: orvix_window_screenshots <folder>   (on an X server, 1920x1080)
 #include <cstdio>
+#include <optional>
 
 #include <QAbstractButton>
 #include <QCheckBox>
@@ -12,6 +13,7 @@
 #include <QSpinBox>
 #include <QTableWidget>
 #include <QApplication>
+#include <QMessageBox>
 #include <QDialog>
 #include <QDir>
 #include <QLineEdit>
@@ -29,6 +31,7 @@
 
 #include "app/settingskeys.h"
 #include "hospital/archivequeue.h"
+#include "mppspeer.h"
 #include "orthancserver.h"
 #include "widgets/hospitalsettingsdialog.h"
 #include "widgets/orvixmediaplayerwidget.h"
@@ -170,7 +173,10 @@ int main(int argc, char *argv[])
     }
     bool saved = true;
     OrthancServer pacs;
-    if (!pacs.start(&error)
+    MppsPeer steps;
+    const int commitmentPort = OrthancServer::freePort();
+    pacs.modalities = { { QStringLiteral("OR1"), commitmentPort } };
+    if (!steps.start(&error) || !pacs.start(&error)
         || !pacs.addWorklist(QStringLiteral("berger"),
                              OrthancServer::worklistEntry(QStringLiteral("Berger^Anna"), QStringLiteral("P-0042"),
                                                           QStringLiteral("1.2.826.0.1.3680043.10.1138.42"), QStringLiteral("OR1"),
@@ -201,25 +207,31 @@ int main(int argc, char *argv[])
     devices.setCameras({ VirtualDevices::fullHdCamera() });
     if (!camerasAre(1))
         return 2;
-    MainWindow window;
+    std::optional<MainWindow> window;
+    window.emplace();
     OrvixSchedulerShutdown schedulerShutdown;
-    window.resize(windowSize);
-    window.show();
-    saved &= QTest::qWaitForWindowExposed(&window);
+    window->resize(windowSize);
+    window->show();
+    saved &= QTest::qWaitForWindowExposed(&*window);
     // The camera restarts once with its format; the picture has settled by then.
     QTest::qWait(3000);
-    saved &= shoot(&window, QStringLiteral("idle-1280x720"));
+    saved &= shoot(&*window, QStringLiteral("idle-1280x720"));
 
     // The hospital's systems set up and tested, and the patient taken from
     // the worklist.
-    window.showHospitalSettings();
-    HospitalSettingsDialog *hospital = window.hospitalSettingsDialog();
+    window->showHospitalSettings();
+    HospitalSettingsDialog *hospital = window->hospitalSettingsDialog();
     for (const QString &node : { QStringLiteral("HospitalArchive"), QStringLiteral("HospitalWorklist") }) {
         hospital->findChild<QLineEdit *>(node + QStringLiteral("OwnAeTitle"))->setText(QStringLiteral("OR1"));
         hospital->findChild<QLineEdit *>(node + QStringLiteral("CalledAeTitle"))->setText(OrthancServer::aeTitle());
         hospital->findChild<QLineEdit *>(node + QStringLiteral("Host"))->setText(QStringLiteral("pacs.hospital.local"));
         hospital->findChild<QSpinBox *>(node + QStringLiteral("Port"))->setValue(pacs.dicomPort());
     }
+    hospital->findChild<QLineEdit *>(QStringLiteral("HospitalStepsOwnAeTitle"))->setText(QStringLiteral("OR1"));
+    hospital->findChild<QLineEdit *>(QStringLiteral("HospitalStepsCalledAeTitle"))->setText(MppsPeer::aeTitle());
+    hospital->findChild<QLineEdit *>(QStringLiteral("HospitalStepsHost"))->setText(QStringLiteral("127.0.0.1"));
+    hospital->findChild<QSpinBox *>(QStringLiteral("HospitalStepsPort"))->setValue(steps.node().port);
+    hospital->findChild<QSpinBox *>(QStringLiteral("HospitalCommitmentPort"))->setValue(commitmentPort);
     // The name a hospital uses, the address this machine reaches it by.
     hospital->findChild<QLineEdit *>(QStringLiteral("HospitalWorklistHost"))->setText(QStringLiteral("127.0.0.1"));
     hospital->findChild<QLineEdit *>(QStringLiteral("HospitalArchiveHost"))->setText(QStringLiteral("127.0.0.1"));
@@ -228,59 +240,73 @@ int main(int argc, char *argv[])
     saved &= QTest::qWaitFor([hospital] { return hospital->testButton()->isEnabled(); }, 15000);
     saved &= shootDialog(hospital, folder, QStringLiteral("dialog-hospital"));
     hospital->accept();
-    fillInformation(window, { QStringLiteral("case12"), QStringLiteral("Dr. Weber"), QString(),
+    fillInformation(*window, { QStringLiteral("case12"), QStringLiteral("Dr. Weber"), QString(),
                               QStringLiteral("St. Elisabeth"), QStringLiteral("Laparoscopic cholecystectomy") });
-    window.chooseFromWorklist();
-    WorklistDialog *worklist = window.worklistDialog();
+    window->chooseFromWorklist();
+    WorklistDialog *worklist = window->worklistDialog();
     saved &= worklist && QTest::qWaitFor([worklist] { return !worklist->isAsking(); }, 15000);
     saved &= shootDialog(worklist, folder, QStringLiteral("dialog-worklist"));
     worklist->accept();
 
     // A case recorded, with a snapshot taken on the way.
-    window.captureVideo();
+    window->captureVideo();
     QTest::qWait(2000);
-    window.captureStillImage();
+    window->captureStillImage();
     // The movie and the snapshot in the list with their pictures.
-    auto *model = qobject_cast<OrvixStorageModel *>(window.findChild<QListView *>(QStringLiteral("ThumbnailView"))->model());
+    auto *model = qobject_cast<OrvixStorageModel *>(window->findChild<QListView *>(QStringLiteral("ThumbnailView"))->model());
     saved &= QTest::qWaitFor([model] {
         return model->rowCount() == 2 && !model->item(0)->icon().isNull() && !model->item(1)->icon().isNull();
     }, 5000);
     QTest::qWait(2500);
-    saved &= shoot(&window, QStringLiteral("recording-1280x720"));
-    window.captureVideo();
-    saved &= QTest::qWaitFor([&] { return window.currentRecorder()->recorderState() == QMediaRecorder::StoppedState; }, 10000);
-    window.findChild<QLineEdit *>(QStringLiteral("InformationFileNameEdit"))->setText(QStringLiteral("case12b"));
-    saved &= record(window, 3000);
+    saved &= shoot(&*window, QStringLiteral("recording-1280x720"));
+    window->captureVideo();
+    saved &= QTest::qWaitFor([&] { return window->currentRecorder()->recorderState() == QMediaRecorder::StoppedState; }, 10000);
+    window->findChild<QLineEdit *>(QStringLiteral("InformationFileNameEdit"))->setText(QStringLiteral("case12b"));
+    saved &= record(*window, 3000);
     // Everything of the case in the archive.
-    saved &= QTest::qWaitFor([&] { return window.archive()->waitingCount() == 0; }, 60000);
+    saved &= QTest::qWaitFor([&] { return window->archive()->waitingCount() == 0; }, 60000);
+    // And confirmed kept by the archive.
+    saved &= QTest::qWaitFor([&] { return window->archive()->keptFiles().size() == 3; }, 60000);
 
-    saved &= shootMenus(window, folder);
-    window.version();
-    saved &= shootDialog(window.versionDialog(), folder, QStringLiteral("dialog-version"));
-    window.versionDialog()->hide();
-    window.showColorDialog();
-    saved &= shootDialog(window.videoQualityDialog(), folder, QStringLiteral("dialog-video-quality"));
-    window.videoQualityDialog()->hide();
-    window.videoSettings();
-    saved &= shootDialog(window.recordDeviceDialog(), folder, QStringLiteral("dialog-record-device"));
-    window.recordDeviceDialog()->hide();
+    saved &= shootMenus(*window, folder);
+    window->version();
+    saved &= shootDialog(window->versionDialog(), folder, QStringLiteral("dialog-version"));
+    window->versionDialog()->hide();
+    window->showColorDialog();
+    saved &= shootDialog(window->videoQualityDialog(), folder, QStringLiteral("dialog-video-quality"));
+    window->videoQualityDialog()->hide();
+    window->videoSettings();
+    saved &= shootDialog(window->recordDeviceDialog(), folder, QStringLiteral("dialog-record-device"));
+    window->recordDeviceDialog()->hide();
 
-    saved &= openStored(window, root + QStringLiteral("Image"), QStringLiteral("*.jpg"));
+    saved &= openStored(*window, root + QStringLiteral("Image"), QStringLiteral("*.jpg"));
     QTest::qWait(1000);
-    saved &= shoot(&window, QStringLiteral("storage-image"));
+    saved &= shoot(&*window, QStringLiteral("storage-image"));
 
     // The first movie, its information corrected in the browser as the
     // manual describes.
-    saved &= openStored(window, root + QStringLiteral("Movie"), QStringLiteral("case12_*.mp4"));
-    auto *player = window.findChild<OrvixMediaPlayerWidget *>();
+    saved &= openStored(*window, root + QStringLiteral("Movie"), QStringLiteral("case12_*.mp4"));
+    auto *player = window->findChild<OrvixMediaPlayerWidget *>();
     saved &= QTest::qWaitFor([player] { return player->videoSurface()->videoSink()->videoFrame().isValid(); }, 10000);
     QTest::qWait(1000);
-    auto *edit = window.findChild<QAbstractButton *>(QStringLiteral("InformationEditButton"));
+    auto *edit = window->findChild<QAbstractButton *>(QStringLiteral("InformationEditButton"));
     edit->click();
-    fillInformation(window, { QStringLiteral("case12"), QStringLiteral("Dr. Weber"), QStringLiteral("Berger, Anna"),
+    fillInformation(*window, { QStringLiteral("case12"), QStringLiteral("Dr. Weber"), QStringLiteral("Berger, Anna"),
                               QStringLiteral("St. Elisabeth"), QStringLiteral("Laparoscopic cholecystectomy, gallstones removed") });
     edit->click();
     QTest::qWait(500);
-    saved &= shoot(&window, QStringLiteral("storage-movie"));
+    saved &= shoot(&*window, QStringLiteral("storage-movie"));
+
+    // The program ended with the case open: the next start offers to
+    // finish it.
+    window.reset();
+    window.emplace();
+    window->resize(windowSize);
+    window->show();
+    saved &= QTest::qWaitForWindowExposed(&*window);
+    QMessageBox *offer = nullptr;
+    saved &= QTest::qWaitFor([&] { return (offer = window->findChild<QMessageBox *>(QStringLiteral("OpenCaseQuestion"))); }, 5000);
+    if (offer)
+        saved &= shootDialog(offer, folder, QStringLiteral("dialog-open-case"));
     return saved ? 0 : 1;
 }
