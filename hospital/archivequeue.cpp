@@ -562,6 +562,8 @@ void ArchiveQueue::messageFinished(Item &item, const StoreOutcome &outcome)
     item.refusedBySettings = outcome.refusedBySettings;
     const QString key = item.file;
     if (outcome.kind == Kind::Stored) {
+        if (item.kind != ArchiveQueue::Kind::Commitment)
+            stepsUnreachableSaid = false;
         if (item.kind == ArchiveQueue::Kind::Commitment) {
             item.state = State::Sent;
             item.askedAt = QDateTime::currentDateTimeUtc();
@@ -588,6 +590,12 @@ void ArchiveQueue::messageFinished(Item &item, const StoreOutcome &outcome)
         const int wait = qMin(longestRetrySeconds, firstRetrySeconds << qMin(item.attempts - 1, 4));
         item.nextTry = QDateTime::currentDateTimeUtc().addSecs(wait);
         qCWarning(lcHospital) << key << "not reached, again in" << wait << "s:" << outcome.text;
+        if (item.kind != ArchiveQueue::Kind::Commitment && !stepsUnreachableSaid) {
+            stepsUnreachableSaid = true;
+            emit problem(tr("The hospital's system for performed steps cannot be reached now: %1\n\nWhat it is to "
+                            "hear of the cases waits on this computer and is sent when it answers.")
+                                 .arg(outcome.text));
+        }
     } else if (item.kind == ArchiveQueue::Kind::Commitment) {
         // An archive that does not commit is not asked again until the
         // settings change; its files stay "sent".

@@ -142,4 +142,5 @@ private:
     bool saveFailureSaid = false;
     bool stopped = false;
     bool commitmentRefused = false; // until the settings change
+    bool stepsUnreachableSaid = false;
 };
