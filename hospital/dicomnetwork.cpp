@@ -209,6 +209,45 @@ private:
     bool refusal = false;
 };
 
+using Send = std::function<OFCondition(ReportingScu &, T_ASC_PresentationContextID, Uint16 &)>;
+using Decide = std::function<StoreOutcome(Uint16)>;
+
+// Opens the association for one kind of object, sends one request with
+// `send` and judges the answer's status with `decide`. A refusal of this
+// station or of what it offers stays a refusal; a node that does not answer
+// may answer later.
+StoreOutcome exchange(Association &association, const DicomNode &node, const char *sopClass, const QString &what,
+                      const char *transferSyntax, int timeoutSeconds, const Send &send, const Decide &decide)
+{
+    using Kind = StoreOutcome::Kind;
+    QString error;
+    const T_ASC_PresentationContextID id = association.open(sopClass, what, &error, transferSyntax);
+    if (id == 0) {
+        if (association.refused()) {
+            StoreOutcome outcome { Kind::Lasting, error };
+            outcome.refusedBySettings = true;
+            return outcome;
+        }
+        return { Kind::Transient, error };
+    }
+    Uint16 status = 0;
+    const OFCondition condition = send(association.scu, id, status);
+    if (condition.bad()) {
+        association.abort();
+        return { Kind::Transient, describe(node, condition, timeoutSeconds) };
+    }
+    return decide(status);
+}
+
+// One request on an association of its own.
+StoreOutcome sendRequest(const DicomNode &node, const char *sopClass, const QString &what, int timeoutSeconds,
+                         const Send &send, const Decide &decide)
+{
+    quietToolkit();
+    Association association(node, timeoutSeconds);
+    return exchange(association, node, sopClass, what, nullptr, timeoutSeconds, send, decide);
+}
+
 void putString(DcmItem *item, const DcmTagKey &tag, const QString &value)
 {
     item->putAndInsertString(tag, value.toUtf8().constData());
@@ -399,27 +438,14 @@ StoreOutcome store(const DicomNode &node, const QString &dicomFile, const std::f
     const int answerSeconds = timeoutSeconds + int(QFileInfo(dicomFile).size() / (10 * 1000 * 1000));
     association.scu.setDIMSETimeout(Uint32(answerSeconds));
     association.scu.progress = progress;
-    QString error;
-    const T_ASC_PresentationContextID id = association.open(
-        sopClass.c_str(), QStringLiteral("storage of this kind of object in this transfer syntax (%1)").arg(transferSyntax.c_str()),
-        &error, transferSyntax.c_str());
-    if (id == 0) {
-        // A refusal of this station or of the object's kind stays a refusal;
-        // a node that does not answer may answer later.
-        if (association.refused()) {
-            StoreOutcome outcome { Kind::Lasting, error };
-            outcome.refusedBySettings = true;
-            return outcome;
-        }
-        return { Kind::Transient, error };
-    }
-    Uint16 status = 0;
-    condition = association.scu.sendSTORERequest(id, dicomFile.toLocal8Bit().constData(), nullptr, status);
-    if (condition.bad()) {
-        association.abort();
-        return { Kind::Transient, describe(node, condition, answerSeconds) };
-    }
-    return storeOutcome(status, node.display());
+    return exchange(
+        association, node, sopClass.c_str(),
+        QStringLiteral("storage of this kind of object in this transfer syntax (%1)").arg(transferSyntax.c_str()),
+        transferSyntax.c_str(), answerSeconds,
+        [&dicomFile](ReportingScu &scu, T_ASC_PresentationContextID id, Uint16 &status) {
+            return scu.sendSTORERequest(id, dicomFile.toLocal8Bit().constData(), nullptr, status);
+        },
+        [&node](Uint16 status) { return storeOutcome(status, node.display()); });
 }
 
 StoreOutcome storeOutcome(quint16 status, const QString &archive)
@@ -438,34 +464,6 @@ StoreOutcome storeOutcome(quint16 status, const QString &archive)
 }
 
 namespace {
-// One normalized request on an association of its own; the answer's
-// status through `decide`.
-StoreOutcome sendRequest(const DicomNode &node, const char *sopClass, const QString &what, int timeoutSeconds,
-                         const std::function<OFCondition(ReportingScu &, T_ASC_PresentationContextID, Uint16 &)> &send,
-                         const std::function<StoreOutcome(Uint16)> &decide)
-{
-    using Kind = StoreOutcome::Kind;
-    quietToolkit();
-    Association association(node, timeoutSeconds);
-    QString error;
-    const T_ASC_PresentationContextID id = association.open(sopClass, what, &error);
-    if (id == 0) {
-        if (association.refused()) {
-            StoreOutcome outcome { Kind::Lasting, error };
-            outcome.refusedBySettings = true;
-            return outcome;
-        }
-        return { Kind::Transient, error };
-    }
-    Uint16 status = 0;
-    const OFCondition condition = send(association.scu, id, status);
-    if (condition.bad()) {
-        association.abort();
-        return { Kind::Transient, describe(node, condition, timeoutSeconds) };
-    }
-    return decide(status);
-}
-
 QString normalizedStatusText(quint16 status)
 {
     const QString code = QStringLiteral("status 0x%1").arg(status, 4, 16, QLatin1Char('0'));
