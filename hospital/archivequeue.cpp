@@ -399,6 +399,10 @@ ArchiveQueue::Item *ArchiveQueue::nextItem(QDateTime *soonest)
 {
     const QDateTime now = QDateTime::currentDateTimeUtc();
     const int wait = HospitalSettings::commitmentWaitSeconds();
+    // What waits for a system that is not set up stays behind, and lets
+    // the others pass.
+    const bool archiveSetUp = HospitalSettings::node(HospitalSettings::Role::Archive).isComplete();
+    const bool stepsSetUp = HospitalSettings::node(HospitalSettings::Role::PerformedSteps).isComplete();
     for (Item &item : items) {
         // A request the archive took but never answered is asked again.
         if (item.kind == Kind::Commitment && item.state == State::Sent) {
@@ -416,6 +420,9 @@ ArchiveQueue::Item *ArchiveQueue::nextItem(QDateTime *soonest)
             }
         }
         if (item.state != State::Waiting)
+            continue;
+        const bool toArchive = item.kind == Kind::Object || item.kind == Kind::Commitment;
+        if (!(toArchive ? archiveSetUp : stepsSetUp))
             continue;
         if (item.kind == Kind::StepEnd) {
             QString refusal;
@@ -494,11 +501,9 @@ void ArchiveQueue::dispatch()
         sendMessage(*next);
         return;
     }
+    // Nothing is built, and nothing tried, until an archive is set up
+    // (nextItem passes over it); setting one up calls retryNow.
     const DicomNode node = HospitalSettings::node(HospitalSettings::Role::Archive);
-    // Nothing is built, and nothing tried, until an archive is set up;
-    // setting one up calls retryNow.
-    if (!node.isComplete())
-        return;
     busy = true;
     next->state = State::Sending;
     emit stateChanged(next->file);
@@ -512,8 +517,6 @@ void ArchiveQueue::sendMessage(Item &item)
     const bool toArchive = item.kind == Kind::Commitment;
     const DicomNode node = HospitalSettings::node(toArchive ? HospitalSettings::Role::Archive
                                                             : HospitalSettings::Role::PerformedSteps);
-    if (!node.isComplete())
-        return;
     if (item.kind == Kind::StepEnd) {
         QString refusal;
         stepEndReady(item, &refusal);
