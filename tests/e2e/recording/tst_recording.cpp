@@ -302,7 +302,7 @@ private slots:
         QTest::addColumn<bool>("unplugged");
         QTest::addColumn<int>("seconds");
         QTest::newRow("2 s blocks") << true << false << 60;
-        QTest::newRow("stops for 3 s") << false << false << 60;
+        QTest::newRow("stops for 3 s") << false << false << 35;
         QTest::newRow("unplugged") << false << true << 30;
     }
 
