@@ -202,6 +202,17 @@ ArchiveQueue::ArchiveQueue(const QString &folder, QObject *parent)
         lowerCurrentThreadDiskPriority();
     }, Qt::DirectConnection);
     workerThread->start();
+    // A performed step or a commitment request is a few hundred bytes: on a
+    // thread of ordinary priority, so that a busy computer does not hold
+    // the hospital's news back behind everything else.
+    messageThread = new QThread;
+    auto *messenger = new ArchiveWorker;
+    messenger->moveToThread(messageThread);
+    connect(messageThread, &QThread::finished, messenger, &QObject::deleteLater);
+    connect(messenger, &ArchiveWorker::done, this, &ArchiveQueue::finished);
+    this->messenger = messenger;
+    messageThread->setObjectName(QStringLiteral("hospital messages"));
+    messageThread->start();
     retryTimer.setSingleShot(true);
     connect(&retryTimer, &QTimer::timeout, this, &ArchiveQueue::dispatch);
     QTimer::singleShot(0, this, &ArchiveQueue::dispatch);
@@ -213,6 +224,11 @@ ArchiveQueue::~ArchiveQueue()
     // send ends with the program, and the queue on disk has it for the
     // next start, which sends the same object again.
     saver.waitForDone();
+    messageThread->quit();
+    if (messageThread->wait(2000))
+        delete messageThread;
+    else
+        connect(messageThread, &QThread::finished, messageThread, &QObject::deleteLater);
     workerThread->quit();
     if (workerThread->wait(2000)) {
         delete workerThread;
@@ -550,7 +566,7 @@ void ArchiveQueue::sendMessage(Item &item)
         else
             job = [node, step, archive] { return DicomNetwork::endPerformedStep(node, step, archive); };
     }
-    QObject *sender = worker;
+    QObject *sender = messenger;
     QMetaObject::invokeMethod(sender, [sender, key, job] {
         const StoreOutcome outcome = job();
         QMetaObject::invokeMethod(sender, "done", Qt::DirectConnection, Q_ARG(QString, key), Q_ARG(QString, QString()),

@@ -136,6 +136,8 @@ private:
     QThread *workerThread = nullptr;
     mutable QThreadPool saver;
     QPointer<QObject> worker;
+    QThread *messageThread = nullptr;
+    QPointer<QObject> messenger;
     QTimer retryTimer;
     bool busy = false;
     bool unreachableSaid = false;
