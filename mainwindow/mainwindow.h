@@ -470,6 +470,7 @@ private:
         CaseInformation information;
     } openCase;
     void addFinishCaseButton(QHBoxLayout *headerLayout, QWidget *header);
+    static QPushButton *headerButton(const QString &name, const QString &text, const QString &tip, QWidget *header);
     CaseInformation caseOfNewFile(const QString &file);
     void startCase(const CaseInformation &information);
     void endOpenCase();

@@ -24,13 +24,8 @@ const QString caseGroup = QStringLiteral("openCase");
 
 void MainWindow::addFinishCaseButton(QHBoxLayout *headerLayout, QWidget *header)
 {
-    finishCaseButton = new QPushButton(tr("Finish case"), header);
-    finishCaseButton->setObjectName(QStringLiteral("InformationFinishCaseButton"));
-    finishCaseButton->setToolTip(tr("End this patient's case and clear the patient for the next one"));
-    finishCaseButton->setFlat(true);
-    finishCaseButton->setFixedHeight(20);
-    finishCaseButton->setStyleSheet(informationWorklistButton->styleSheet().replace(
-            QStringLiteral("InformationWorklistButton"), finishCaseButton->objectName()));
+    finishCaseButton = headerButton(QStringLiteral("InformationFinishCaseButton"), tr("Finish case"),
+                                    tr("End this patient's case and clear the patient for the next one"), header);
     connect(finishCaseButton, &QPushButton::clicked, this, &MainWindow::finishCase);
     headerLayout->addWidget(finishCaseButton);
     headerLayout->addSpacing(4);

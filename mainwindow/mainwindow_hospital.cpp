@@ -34,18 +34,27 @@ namespace {
 constexpr int patientField = 3;
 }
 
+QPushButton *MainWindow::headerButton(const QString &name, const QString &text, const QString &tip, QWidget *header)
+{
+    // A small outlined text button, as the panel headers have none of their
+    // own design.
+    auto *button = new QPushButton(text, header);
+    button->setObjectName(name);
+    button->setToolTip(tip);
+    button->setFlat(true);
+    button->setFixedHeight(20);
+    button->setStyleSheet(QStringLiteral("QPushButton#%1 {color: white; padding: 0 6px; border: 1px solid rgb(120, 120, 120);"
+                                         " border-radius: 3px; }"
+                                         "QPushButton#%1:hover {border-color: rgb(86, 183, 203); }"
+                                         "QPushButton#%1:disabled {color: rgb(110, 110, 110); }")
+                                  .arg(name));
+    return button;
+}
+
 void MainWindow::addWorklistButton(QHBoxLayout *headerLayout, QWidget *header)
 {
-    informationWorklistButton = new QPushButton(tr("Worklist"), header);
-    informationWorklistButton->setObjectName(QStringLiteral("InformationWorklistButton"));
-    informationWorklistButton->setToolTip(tr("Choose the patient of the next recording from today's worklist"));
-    informationWorklistButton->setFlat(true);
-    informationWorklistButton->setFixedHeight(20);
-    informationWorklistButton->setStyleSheet(QStringLiteral(
-            "QPushButton#InformationWorklistButton {color: white; padding: 0 6px; border: 1px solid rgb(120, 120, 120);"
-            " border-radius: 3px; }"
-            "QPushButton#InformationWorklistButton:hover {border-color: rgb(86, 183, 203); }"
-            "QPushButton#InformationWorklistButton:disabled {color: rgb(110, 110, 110); }"));
+    informationWorklistButton = headerButton(QStringLiteral("InformationWorklistButton"), tr("Worklist"),
+                                             tr("Choose the patient of the next recording from today's worklist"), header);
     connect(informationWorklistButton, &QPushButton::clicked, this, &MainWindow::chooseFromWorklist);
     headerLayout->addWidget(informationWorklistButton);
     headerLayout->addSpacing(4);
@@ -252,12 +261,9 @@ void MainWindow::setupArchive(QHBoxLayout *headerLayout, QWidget *header, QVBoxL
     connect(commitmentListener, &CommitmentListener::problem, this, &MainWindow::showArchiveProblem);
     updateCommitmentListener();
 
-    archiveSendButton = new QPushButton(tr("Send"), header);
-    archiveSendButton->setObjectName(QStringLiteral("FilePreviewSendButton"));
-    archiveSendButton->setToolTip(tr("Send the selected movie or snapshot to the archive (PACS)"));
-    archiveSendButton->setFixedHeight(20);
-    archiveSendButton->setStyleSheet(informationWorklistButton->styleSheet().replace(
-            QStringLiteral("InformationWorklistButton"), archiveSendButton->objectName()));
+    archiveSendButton = headerButton(QStringLiteral("FilePreviewSendButton"), tr("Send"),
+                                     tr("Send the selected movie or snapshot to the archive (PACS)"), header);
+    archiveSendButton->setFlat(false);
     connect(archiveSendButton, &QPushButton::clicked, this, &MainWindow::sendSelectedToArchive);
     headerLayout->insertWidget(headerLayout->indexOf(removeFileButton), archiveSendButton);
     headerLayout->insertSpacing(headerLayout->indexOf(removeFileButton), 4);
