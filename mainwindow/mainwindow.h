@@ -501,6 +501,7 @@ private:
     // Removes movies the archive keeps when the disk runs short, if chosen.
     void relieveDisk();
     QTimer spaceTimer;
+    QTimer relieveTimer;
     QPushButton *archiveSendButton = nullptr;
     QProgressBar *archiveProgress = nullptr;
     QPointer<QMessageBox> archiveNotice;

@@ -248,8 +248,9 @@ void MainWindow::setupArchive(QHBoxLayout *headerLayout, QWidget *header, QVBoxL
             archiveQueue, [this](const QString &file) { return archiveSummary(file); }, thumbnailView));
     connect(archiveQueue, &ArchiveQueue::stateChanged, this, [this](const QString &file) {
         thumbnailView->viewport()->update();
+        // One look at the room for a whole report, not one per file.
         if (archiveQueue->state(file) == ArchiveQueue::State::Kept)
-            QTimer::singleShot(0, this, &MainWindow::relieveDisk);
+            relieveTimer.start();
         if (archiveQueue->state(file) != ArchiveQueue::State::Sending)
             archiveProgress->hide();
         updateArchiveButton();
@@ -284,6 +285,9 @@ void MainWindow::setupArchive(QHBoxLayout *headerLayout, QWidget *header, QVBoxL
     // Room is looked at now and then, besides each time the archive
     // confirms a file: a recording fills the disk in between.
     connect(&spaceTimer, &QTimer::timeout, this, &MainWindow::relieveDisk);
+    relieveTimer.setSingleShot(true);
+    relieveTimer.setInterval(0);
+    connect(&relieveTimer, &QTimer::timeout, this, &MainWindow::relieveDisk);
     spaceTimer.start(60 * 1000);
 }
 

@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
+#include <QHash>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
@@ -123,12 +124,19 @@ void MainWindow::relieveDisk()
         return;
     const QStorageInfo volume(root);
     QList<SpaceKeeper::Copy> kept;
+    // Movies share a few folders: each one's disk is looked up once.
+    QHash<QString, bool> onThisDisk;
     for (const QString &file : archiveQueue->keptFiles()) {
-        const QFileInfo info(file);
         // Movies only: a snapshot is small, and has no information file
         // to say where it went.
-        if (info.exists() && DicomObjects::kindOf(file) == DicomObjects::Kind::Movie
-            && QStorageInfo(info.absolutePath()).rootPath() == volume.rootPath())
+        if (DicomObjects::kindOf(file) != DicomObjects::Kind::Movie)
+            continue;
+        const QFileInfo info(file);
+        const QString folder = info.absolutePath();
+        auto same = onThisDisk.find(folder);
+        if (same == onThisDisk.end())
+            same = onThisDisk.insert(folder, QStorageInfo(folder).rootPath() == volume.rootPath());
+        if (*same && info.exists())
             kept.append({ info.absoluteFilePath(), info.size(), info.lastModified() });
     }
     QStringList untouchable;
