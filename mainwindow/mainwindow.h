@@ -270,6 +270,7 @@ private:
     QList<QCameraFormat> thirtyFpsFormats(const QCameraDevice &device) const;
     void fillResolutionMenu();
     void setupLevelMeter();
+    void applyMicrophoneControls();
     void deleteAudioSource();
     void readMicrophoneLevel();
     // The running camera's part of the session, taken down and forgotten.

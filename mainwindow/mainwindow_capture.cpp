@@ -156,6 +156,9 @@ void MainWindow::setCamera(QCameraDevice cameraInfo)
 
     if (audioInput) {
         connect(audioInput, SIGNAL(volumeChanged(float )), this, SLOT(updateAudioOutVolum(float)));
+        // A fresh input is loud and unmuted: it records what the controls
+        // show, or a muted surgeon would be recorded after a re-plug.
+        applyMicrophoneControls();
         captureSession.setAudioInput(audioInput);
     }
 
@@ -413,6 +416,14 @@ void MainWindow::logFrameStatistics()
 void MainWindow::updateAudioOutVolum(float volume)
 {
     qCDebug(lcCapture) << "===================================updateAioutput volum" << volume;
+}
+
+void MainWindow::applyMicrophoneControls()
+{
+    if (!audioInput)
+        return;
+    audioInput->setVolume(float(volumeSlider->value() / 100.0));
+    audioInput->setMuted(muteButton->isChecked());
 }
 
 void MainWindow::volumeChanged(int level)

@@ -5,6 +5,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <QRegularExpression>
 
 namespace {
 QByteArray run(const QString &program, const QStringList &arguments, QByteArray *errors = nullptr)
@@ -60,6 +61,46 @@ MovieProbe MovieProbe::probe(const QString &path)
         &errors);
     probe.decodeErrors = QString::fromLocal8Bit(errors).trimmed();
     return probe;
+}
+
+double MovieProbe::loudestSound(const QString &path)
+{
+    QByteArray report;
+    run(QStringLiteral("ffmpeg"), { QStringLiteral("-nostats"), QStringLiteral("-i"), path, QStringLiteral("-vn"),
+                                    QStringLiteral("-af"), QStringLiteral("volumedetect"), QStringLiteral("-f"),
+                                    QStringLiteral("null"), QStringLiteral("-") },
+        &report);
+    const QRegularExpressionMatch match
+            = QRegularExpression(QStringLiteral("max_volume: (-?[0-9.]+) dB")).match(QString::fromLocal8Bit(report));
+    return match.hasMatch() ? match.captured(1).toDouble() : -100;
+}
+
+QList<QPair<double, double>> MovieProbe::silences(const QString &path, double noiseDb, double minSeconds)
+{
+    QByteArray report;
+    run(QStringLiteral("ffmpeg"), { QStringLiteral("-nostats"), QStringLiteral("-i"), path, QStringLiteral("-vn"),
+                                    QStringLiteral("-af"),
+                                    QStringLiteral("silencedetect=noise=%1dB:d=%2").arg(noiseDb).arg(minSeconds),
+                                    QStringLiteral("-f"), QStringLiteral("null"), QStringLiteral("-") },
+        &report);
+    QList<QPair<double, double>> found;
+    const QString text = QString::fromLocal8Bit(report);
+    QRegularExpressionMatchIterator it
+            = QRegularExpression(QStringLiteral("silence_(start|end): (-?[0-9.]+)")).globalMatch(text);
+    while (it.hasNext()) {
+        const QRegularExpressionMatch match = it.next();
+        const double at = match.captured(2).toDouble();
+        if (match.captured(1) == QLatin1String("start"))
+            found.append({ at, -1 });
+        else if (!found.isEmpty())
+            found.last().second = at;
+    }
+    // A silence that lasts to the end has no end line.
+    if (!found.isEmpty() && found.last().second < 0) {
+        const MovieProbe whole = probe(path);
+        found.last().second = whole.audioStart + whole.audioSeconds;
+    }
+    return found;
 }
 
 QString MovieProbe::describe() const

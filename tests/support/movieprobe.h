@@ -2,6 +2,8 @@
 // frame count, and whether it decodes without an error.
 #pragma once
 
+#include <QList>
+#include <QPair>
 #include <QString>
 
 struct MovieProbe
@@ -23,6 +25,11 @@ struct MovieProbe
     QString decodeErrors; // what ffmpeg prints decoding the whole file; empty when clean
 
     static MovieProbe probe(const QString &path);
+    // The loudest sample of the sound, in dB of full scale; -100 for none.
+    static double loudestSound(const QString &path);
+    // Stretches of the sound quieter than `noiseDb` for at least
+    // `minSeconds`, as (start, end) on the movie's time line.
+    static QList<QPair<double, double>> silences(const QString &path, double noiseDb = -50, double minSeconds = 0.1);
     double framesPerSecond() const { return videoSeconds > 0 ? frames / videoSeconds : 0; }
     // A line for a failure message.
     QString describe() const;

@@ -2,6 +2,11 @@
 // session, fall-back between cameras, the live picture, volume, mute and the
 // level meter, all against virtual devices and the real Qt Multimedia stack.
 #include <QAction>
+#include <QDialog>
+#include <QDir>
+#include <QLineEdit>
+#include <QMediaRecorder>
+#include <QScopeGuard>
 #include <QAudioInput>
 #include <QCamera>
 #include <QDeadlineTimer>
@@ -17,6 +22,7 @@
 #include "app/settingskeys.h"
 #include "capture/orvixdevicewatchdogtask.h"
 #include "mainwindow/mainwindow.h"
+#include "movieprobe.h"
 #include "orvixtest.h"
 #include "referencefilters.h"
 #include "widgets/animationlabel.h"
@@ -421,30 +427,75 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(window.levelMeter()->stopAtFrame() >= 1, 15000);
     }
 
-    void volumeAndMute()
+    // The state shown is the state recorded, for every input the window
+    // makes: after a restart with mute stored, a re-plug and Apply in the
+    // record device dialog. The microphone plays a steady tone.
+    void mutedStaysMuted()
     {
         devices.setCameras({ VirtualDevices::cameraLine(fullHd) });
         waitForCameras({ fullHd });
-        MainWindow window;
-        window.volumeChanged(55);
-        QCOMPARE(QSettings().value(SettingsKeys::micVolume).toInt(), 55);
-        QCOMPARE(window.currentAudioInput()->volume(), 0.55f);
+        const QString root = devices.home() + QStringLiteral("/muted");
+        QDir().mkpath(root + QStringLiteral("/Movie"));
+        QDir().mkpath(root + QStringLiteral("/Image"));
+        QSettings settings;
+        settings.setValue(SettingsKeys::storageLocation, root);
+        settings.setValue(SettingsKeys::micMuted, true);
+        settings.setValue(SettingsKeys::micVolume, 55);
+        auto restore = qScopeGuard([] {
+            QSettings().setValue(SettingsKeys::micMuted, false);
+            QSettings().setValue(SettingsKeys::storageLocation, QString());
+        });
 
+        MainWindow window;
         auto *slider = window.findChild<QSlider *>(QStringLiteral("VolumeControlSlider"));
-        window.muteChanged(true);
-        QVERIFY(QSettings().value(SettingsKeys::micMuted).toBool());
-        QVERIFY(window.currentAudioInput()->isMuted());
+        auto *mute = window.findChild<QPushButton *>(QStringLiteral("VolumeLevelButton"));
+        QVERIFY(mute->isChecked());
         QVERIFY(!slider->isEnabled());
         QVERIFY(window.levelMeter()->isHidden());
-        // The states read the mute button when they run.
-        window.findChild<QPushButton *>(QStringLiteral("VolumeLevelButton"))->setChecked(true);
-        window.setupIdleUIState();
-        QVERIFY(!slider->isEnabled());
+        // Record a few seconds; the loudest sound of the file, in dB.
+        const auto recordLoudest = [&](const QString &name) {
+            window.findChild<QLineEdit *>(QStringLiteral("InformationFileNameEdit"))->setText(name);
+            if (!QTest::qWaitFor([&] { return window.isCameraLive(); }, watchdogWait))
+                return 1000.0;
+            QTest::qWait(1500);
+            window.captureVideo();
+            QTest::qWait(3000);
+            window.captureVideo();
+            if (!QTest::qWaitFor([&] { return window.currentRecorder()->recorderState() == QMediaRecorder::StoppedState; },
+                                 10000))
+                return 1000.0;
+            const QStringList files = QDir(root + QStringLiteral("/Movie")).entryList({ name + QStringLiteral("_*.mp4") });
+            if (files.size() != 1 || MovieProbe::probe(root + QStringLiteral("/Movie/") + files.first()).audioSeconds < 2)
+                return 1000.0;
+            const double loudest = MovieProbe::loudestSound(root + QStringLiteral("/Movie/") + files.first());
+            qInfo("%s: loudest sound %.1f dB", qPrintable(name), loudest);
+            return loudest;
+        };
+        constexpr double silent = -80;
+        QVERIFY(recordLoudest(QStringLiteral("restarted")) < silent);
 
-        window.muteChanged(false);
-        QVERIFY(!window.currentAudioInput()->isMuted());
+        devices.setCameras({});
+        QTRY_VERIFY_WITH_TIMEOUT(!window.isCameraLive(), watchdogWait);
+        devices.setCameras({ VirtualDevices::cameraLine(fullHd) });
+        QVERIFY(recordLoudest(QStringLiteral("replugged")) < silent);
+
+        for (QAction *action : window.findChildren<QAction *>()) {
+            if (action->text() == QLatin1String("Record Device"))
+                action->trigger();
+        }
+        QVERIFY(window.recordDeviceDialog());
+        window.updateCurrentMediaDevice();
+        QVERIFY(recordLoudest(QStringLiteral("applied")) < silent);
+        window.recordDeviceDialog()->hide();
+
+        // Unmuted, the same recording holds the tone (-6.5 dB at its peak) at
+        // the stored volume: 55 % is 5.2 dB less.
+        QTest::mouseClick(mute, Qt::LeftButton);
+        QVERIFY(!QSettings().value(SettingsKeys::micMuted).toBool());
         QVERIFY(slider->isEnabled());
         QVERIFY(!window.levelMeter()->isHidden());
+        const double loud = recordLoudest(QStringLiteral("unmuted"));
+        QVERIFY2(loud > -14 && loud < -9, qPrintable(QString::number(loud)));
     }
 
     // What the filters must do, by the literal per-pixel reference: every

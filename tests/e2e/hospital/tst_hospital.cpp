@@ -698,7 +698,7 @@ private slots:
             QTest::qWait(1100); // snapshots are named by the second
             window->captureStillImage();
             QString taken;
-            QTest::qWaitFor([&] {
+            (void)QTest::qWaitFor([&] {
                 for (const QString &name : QDir(root + QStringLiteral("Image")).entryList({ "*.jpg" }))
                     if (!before.contains(name))
                         taken = name;
