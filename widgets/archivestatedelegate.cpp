@@ -35,6 +35,16 @@ QString ArchiveStateDelegate::stateLine(const QString &file) const
     return line;
 }
 
+QSize ArchiveStateDelegate::sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    // The list measures one item for all of them, often the newest: one
+    // listed before its thumbnail exists would squash every item to a line
+    // of text. Each is measured as if its picture were there.
+    const QSize measured = QStyledItemDelegate::sizeHint(option, index);
+    const int withPicture = option.decorationSize.height() + option.fontMetrics.height() + 6;
+    return { qMax(measured.width(), option.decorationSize.width()), qMax(measured.height(), withPicture) };
+}
+
 void ArchiveStateDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
 {
     QStyledItemDelegate::paint(painter, option, index);

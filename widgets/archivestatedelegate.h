@@ -1,4 +1,5 @@
-// The storage browser's items with their way to the archive shown: a small
+// The storage browser's items, each in a cell as large as one with its
+// picture, with their way to the archive shown: a small
 // mark on the picture (waiting, sent, failed, needs a patient ID) and, as
 // the item's tip, the state with the archive's reason and the patient the
 // file goes out with.
@@ -20,6 +21,7 @@ public:
     ArchiveStateDelegate(ArchiveQueue *queue, std::function<QString(const QString &)> summary,
                          QObject *parent = nullptr);
 
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
     void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
     bool helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
                    const QModelIndex &index) override;

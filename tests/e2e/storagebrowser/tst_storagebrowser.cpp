@@ -8,6 +8,8 @@
 #include <QMediaDevices>
 #include <QProcess>
 #include <QScreen>
+#include <QScopeGuard>
+#include <QMediaRecorder>
 #include <QVideoSink>
 #include <QVideoWidget>
 #include <QPushButton>
@@ -65,6 +67,41 @@ void open(QListView *view, OrvixStorageModel *model, const QString &name)
     QVERIFY2(view->viewport()->rect().contains(centre), qPrintable(name));
     QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, centre);
     QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, centre);
+}
+
+// Every item lies in a cell as large as the grid's, with room for its
+// picture and its name, and none overlaps another.
+void verifyCells(QListView *view)
+{
+    const QSize cell = view->gridSize();
+    QList<QRect> taken;
+    for (int row = 0; row < view->model()->rowCount(); ++row) {
+        const QModelIndex index = view->model()->index(row, 0);
+        const QRect rect = view->visualRect(index);
+        const QString where = QStringLiteral("%1 at %2,%3 %4x%5 (cell %6x%7)")
+                                      .arg(index.data().toString())
+                                      .arg(rect.x())
+                                      .arg(rect.y())
+                                      .arg(rect.width())
+                                      .arg(rect.height())
+                                      .arg(cell.width())
+                                      .arg(cell.height());
+        QVERIFY2(rect.height() >= view->iconSize().height() + view->fontMetrics().height(), qPrintable(where));
+        QVERIFY2(rect.width() >= view->iconSize().width() && rect.width() <= cell.width(), qPrintable(where));
+        for (const QRect &other : std::as_const(taken)) {
+            QVERIFY2(!other.intersects(rect), qPrintable(where));
+            QVERIFY2(other.size() == rect.size(), qPrintable(where));
+        }
+        taken.append(rect);
+    }
+}
+
+// A picture of the list, kept beside the test's other files for a person to look at.
+void keepShot(QListView *view, const QString &name)
+{
+    const QString folder = QDir::tempPath() + QStringLiteral("/orvix-browser-shots");
+    QDir().mkpath(folder);
+    view->grab().save(folder + QLatin1Char('/') + name + QStringLiteral(".png"));
 }
 
 int playbackStreams()
@@ -254,6 +291,9 @@ private slots:
 
     void changeTheRoot()
     {
+        // An unknown stored size limit splits every few frames.
+        QSettings().setValue(SettingsKeys::sizeLimit, 7);
+        auto restore = qScopeGuard([] { QSettings().setValue(SettingsKeys::sizeLimit, 0); });
         MainWindow window;
         window.show();
         auto *view = window.findChild<QListView *>(QStringLiteral("ThumbnailView"));
@@ -303,6 +343,49 @@ private slots:
         // The shown root's folder deleted: its files leave the list, nothing hangs.
         QVERIFY(QDir(other).removeRecursively());
         QTRY_COMPARE_WITH_TIMEOUT(model->rowCount(), 0, 5000);
+
+        // Into the empty list come a snapshot, then the files of a recording
+        // split every few frames: each is drawn in a whole cell of its own.
+        const QString fresh = devices.home() + QStringLiteral("/fresh");
+        QVERIFY(QDir().mkpath(fresh));
+        choose(fresh);
+        window.updateStorageRoot();
+        QTRY_COMPARE(window.findChild<QLineEdit *>(QStringLiteral("StorageLocationEdit"))->text(), fresh + QStringLiteral("/"));
+        QTest::qWait(2000);
+        window.captureStillImage();
+        QTRY_COMPARE_WITH_TIMEOUT(model->rowCount(), 1, 5000);
+        QTest::qWait(300);
+        keepShot(view, QStringLiteral("first-item"));
+        verifyCells(view);
+        QVERIFY(!QTest::currentTestFailed());
+        // A large picture copied in is listed long before its thumbnail is made.
+        {
+            QImage large(6000, 4000, QImage::Format_RGB32);
+            large.fill(Qt::darkCyan);
+            const QString copying = devices.home() + QStringLiteral("/large.jpg");
+            QVERIFY(large.save(copying, "JPG", 100));
+            QVERIFY(QFile::rename(copying, fresh + QStringLiteral("/Image/large.jpg")));
+        }
+        QTRY_COMPARE_WITH_TIMEOUT(model->rowCount(), 2, 5000);
+        QTest::qWait(50);
+        keepShot(view, QStringLiteral("large-picture"));
+        verifyCells(view);
+        QVERIFY(!QTest::currentTestFailed());
+
+        setField(window, 0, QStringLiteral("split"));
+        window.captureVideo();
+        for (int second = 0; second < 4; ++second) {
+            QTest::qWait(1000);
+            verifyCells(view);
+            QVERIFY(!QTest::currentTestFailed());
+        }
+        window.captureVideo();
+        QTRY_VERIFY_WITH_TIMEOUT(window.currentRecorder()->recorderState() == QMediaRecorder::StoppedState
+                                         && window.recordingFile().isEmpty(), 10000);
+        QTest::qWait(2500);
+        keepShot(view, QStringLiteral("split-recording"));
+        QVERIFY2(model->rowCount() >= 4, qPrintable(QString::number(model->rowCount())));
+        verifyCells(view);
     }
 
 private:
