@@ -31,6 +31,7 @@ int main(int argc, char *argv[])
     if (app.sendMessage(QStringLiteral("Wake up!"), 5000))
         return 0;
 
+    logStartupStep("single instance checked");
     MainWindow window;
     OrvixSchedulerShutdown schedulerShutdown;
     QPixmap pixmap(QStringLiteral(":/res/brand.png"));
@@ -54,6 +55,7 @@ int main(int argc, char *argv[])
     QuitOnSignal::install(&app);
     app.setActivationWindow(&window, true);
     window.show();
+    logStartupStep("window shown");
     splash.finish(&window);
     const int exitCode = app.exec();
     // A start from now on must become a new first copy, not wake this one.

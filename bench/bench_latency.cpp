@@ -300,19 +300,9 @@ void print(const char *what, const Figures &figures, const Figures &floor)
 
 int main(int argc, char *argv[])
 {
-    if (qEnvironmentVariableIsEmpty("DISPLAY")) {
-        // The grabber reads a real X screen.
-        QList<QByteArray> arguments { "xvfb-run", "-a", "-s", "-screen 0 1920x1080x24", argv[0] };
-        for (int i = 1; i < argc; ++i)
-            arguments.append(argv[i]);
-        QList<char *> pointers;
-        for (QByteArray &argument : arguments)
-            pointers.append(argument.data());
-        pointers.append(nullptr);
-        execvp("xvfb-run", pointers.data());
-        std::perror("xvfb-run");
+    // The grabber reads a real X screen.
+    if (runUnderXvfb(argc, argv))
         return 1;
-    }
     qputenv("QT_QPA_PLATFORM", "xcb");
     BenchApplication bench(argc, argv);
     const int seconds = argc > 1 ? std::max(5, std::atoi(argv[1])) : 20;

@@ -3,11 +3,34 @@
 // application object, and the task scheduler ended before it.
 #pragma once
 
+#include <cstdio>
+
+#include <unistd.h>
+
 #include <QApplication>
+#include <QList>
 
 #include "eventloop.h"
 #include "tasks/orvixtaskscheduler.h"
 #include "virtualdevices.h"
+
+// Without a display, runs this program again under xvfb-run and returns
+// true only if that could not be done; with one, returns false at once.
+inline bool runUnderXvfb(int argc, char *argv[])
+{
+    if (!qEnvironmentVariableIsEmpty("DISPLAY"))
+        return false;
+    QList<QByteArray> arguments { "xvfb-run", "-a", "-s", "-screen 0 1920x1080x24", argv[0] };
+    for (int i = 1; i < argc; ++i)
+        arguments.append(argv[i]);
+    QList<char *> pointers;
+    for (QByteArray &argument : arguments)
+        pointers.append(argument.data());
+    pointers.append(nullptr);
+    execvp("xvfb-run", pointers.data());
+    std::perror("xvfb-run");
+    return true;
+}
 
 struct BenchApplication
 {

@@ -4,7 +4,6 @@
 #include <QAction>
 #include <QAudioInput>
 #include <QAudioSink>
-#include <QAudioSource>
 #include <QCamera>
 #include <QDate>
 #include <QDateTime>
@@ -23,6 +22,7 @@
 #include "app/orvixlogging.h"
 #include "app/settingskeys.h"
 #include "capture/audioinfo.h"
+#include "capture/microphonelevel.h"
 #include "capture/devicerecognition.h"
 #include "capture/orvixdevicewatchdogtask.h"
 #include "capture/recordingelements.h"
@@ -51,7 +51,9 @@ MainWindow::MainWindow(QWidget *parent)
     setupRecordingGuard();
 
     startLiveView();
+    logStartupStep("window built");
     discoverAvailableCameras();
+    logStartupStep("cameras found");
     if (!availableCameras.isEmpty()) {
         setCamera(availableCameras.first());
     } else {

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <memory>
+#include <vector>
 
 #include <QAudioDevice>
 #include <QAudioFormat>
@@ -34,7 +35,7 @@
 class QAction;
 class QAudioInput;
 class QAudioSink;
-class QAudioSource;
+class MicrophoneLevel;
 class QCheckBox;
 class QComboBox;
 class QDialog;
@@ -272,7 +273,6 @@ private:
     void setupLevelMeter();
     void applyMicrophoneControls();
     void deleteAudioSource();
-    void readMicrophoneLevel();
     // The running camera's part of the session, taken down and forgotten.
     void deletePipeline();
     void showWaitingPage();
@@ -368,10 +368,9 @@ private:
     QImageCapture *imageCapture = nullptr;
     QAudioInput *audioInput = nullptr;
     AudioInfo *audioInfo = nullptr;
-    QAudioSource *audioSource = nullptr;
+    std::unique_ptr<MicrophoneLevel> microphoneLevel;
+    std::vector<std::unique_ptr<MicrophoneLevel>> retiredMicrophoneLevels;
     QAudioSink *audioSink = nullptr;
-    QIODevice *audioSourceDevice = nullptr;
-    QMetaObject::Connection levelConnection;
 
     OrvixDeviceWatchDogTask *watchDog = nullptr;
     // The watcher of the file being written. It lets itself go as soon as it

@@ -2,12 +2,13 @@
 // renderer, microphone volume, mute and level meter.
 #include "mainwindow.h"
 
+#include <algorithm>
+#include <memory>
 #include <utility>
 
 #include <QAction>
 #include <QAudioInput>
 #include <QAudioSink>
-#include <QAudioSource>
 #include <QCamera>
 #include <QCoreApplication>
 #include <QDir>
@@ -18,17 +19,18 @@
 #include <QSettings>
 #include <QSlider>
 #include <QStackedWidget>
+#include <QVideoSink>
 
 #include "app/orvixlogging.h"
 #include "app/settingskeys.h"
 #include "capture/audioinfo.h"
 #include "capture/devicerecognition.h"
+#include "capture/microphonelevel.h"
 #include "widgets/animationlabel.h"
 #include "widgets/orvixvideowidget.h"
 #include "widgets/waitingforcamerawidget.h"
 
 namespace {
-constexpr qint64 maximumLevelBlock = 4096;
 
 QAudioFormat levelMeterFormat()
 {
@@ -210,7 +212,9 @@ void MainWindow::setCamera(QCameraDevice cameraInfo)
     connect(imageCapture, &QImageCapture::errorOccurred, this, &MainWindow::noteCaptureError);
 
     captureSession.setCamera(camera);
+    logStartupStep("camera set up");
     camera->setActive(true);
+    logStartupStep("camera started");
     awaitSettledFormat();
     startedCameraDevice = cameraInfo;
     stopMediaPlayer();
@@ -235,59 +239,33 @@ void MainWindow::setupLevelMeter()
     deleteAudioSource();
     // Without a recognised microphone there is no level to show; an empty
     // device would otherwise open the system's default input.
-    if (!chosenMicrophone.isNull())
-        audioSource = new QAudioSource(chosenMicrophone, format);
-    else
+    if (!chosenMicrophone.isNull()) {
+        microphoneLevel = std::make_unique<MicrophoneLevel>(chosenMicrophone, format);
+        connect(microphoneLevel.get(), &MicrophoneLevel::levelRead, this, &MainWindow::audioVolumChange);
+    } else {
         levelMeterLabel->climbTo(0);
+    }
     audioInfo->start();
     // Like the source, Qt's sink runs the event loop in its destructor.
     if (audioSink)
         audioSink->deleteLater();
     audioSink = new QAudioSink(audioOutputDevice, format);
-    if (audioSource)
-        audioSourceDevice = audioSource->start();
     // Exists and plays nothing.
     audioSink->setVolume(1.0);
-    if (audioSourceDevice) {
-        levelConnection = connect(audioSourceDevice, &QIODevice::readyRead, audioSourceDevice,
-                                  [window = QPointer<MainWindow>(this)] {
-                                      if (window)
-                                          window->readMicrophoneLevel();
-                                  });
-    }
 }
 
 void MainWindow::deleteAudioSource()
 {
-    // Stopped, Qt's PulseAudio source ignores a read it had queued for
-    // itself (run later, that read used a stream that was gone, and
-    // aborted). Its destructor runs the event loop once, which in the middle
-    // of a set-up or a teardown would deliver any queued call, the
-    // watchdog's included: it is deleted later, from the loop itself.
-    audioSourceDevice = nullptr;
-    // The device lives on until the source is deleted later: its readings
-    // must not reach a window that is gone (one already queued is stopped by
-    // the guard in the connection itself).
-    disconnect(levelConnection);
-    if (!audioSource)
+    // Its thread may still be opening the stream: it ends on its own, and
+    // the window waits for it only when it goes.
+    retiredMicrophoneLevels.erase(std::remove_if(retiredMicrophoneLevels.begin(), retiredMicrophoneLevels.end(),
+                                                 [](const auto &level) { return level->isFinished(); }),
+                                  retiredMicrophoneLevels.end());
+    if (!microphoneLevel)
         return;
-    audioSource->disconnect(this);
-    audioSource->stop();
-    audioSource->deleteLater();
-    audioSource = nullptr;
-}
-
-void MainWindow::readMicrophoneLevel()
-{
-    if (!audioSource || !audioSourceDevice || !audioInfo)
-        return;
-    const qint64 wanted = qMin<qint64>(audioSource->bytesAvailable(), maximumLevelBlock);
-    if (wanted <= 0)
-        return;
-    QByteArray block(wanted, '\0');
-    const qint64 read = audioSourceDevice->read(block.data(), wanted);
-    if (read > 0)
-        audioVolumChange(audioInfo->calculateLevel(block.constData(), read));
+    microphoneLevel->disconnect(this);
+    microphoneLevel->stop();
+    retiredMicrophoneLevels.push_back(std::move(microphoneLevel));
 }
 
 QList<QCameraFormat> MainWindow::thirtyFpsFormats(const QCameraDevice &device) const
@@ -331,6 +309,13 @@ void MainWindow::startLiveView()
     livePipeline->setRotationMode(rotationMode);
     livePipeline->setAdjustments(adjustments);
     connect(livePipeline.get(), &LiveFramePipeline::pictureReady, this, &MainWindow::handleVideoFrame);
+    if (lcPerf().isInfoEnabled()) {
+        auto firstFrame = std::make_shared<QMetaObject::Connection>();
+        *firstFrame = connect(livePipeline->videoSink(), &QVideoSink::videoFrameChanged, this, [firstFrame] {
+            logStartupStep("first frame from the camera");
+            QObject::disconnect(*firstFrame);
+        }, Qt::DirectConnection);
+    }
     // A stale report, from before the last restart, must not settle this one.
     connect(livePipeline.get(), &LiveFramePipeline::frameSeen, this, [this](const QSize &size) {
         if (formatSettling && (settlingSize.isEmpty() || size == settlingSize))
@@ -386,6 +371,7 @@ void MainWindow::formatSettled()
 void MainWindow::handleVideoFrame(QVideoFrame videoframe)
 {
     // The render thread has made this frame's picture; the paint shows it.
+    logStartupStep("first picture made");
     currentFrame = videoframe;
     videoWidget->update();
 }
@@ -402,6 +388,7 @@ void MainWindow::renderFrame(QPainter &painter)
         painter.drawImage(target.topLeft(), picture.image);
     else
         painter.drawImage(target, picture.image, picture.image.rect());
+    logStartupStep("first picture painted");
 }
 
 void MainWindow::logFrameStatistics()
