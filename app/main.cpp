@@ -4,6 +4,7 @@
 #include <QScreen>
 #include <QSplashScreen>
 
+#include "app/logfile.h"
 #include "app/memorytuning.h"
 #include "app/orvixlogging.h"
 #include "app/orvixsingleapplication.h"
@@ -25,6 +26,7 @@ int main(int argc, char *argv[])
     QCoreApplication::setApplicationName(QStringLiteral("Orvix"));
     // Ties the window to its menu entry (the Wayland app id, the dock's icon).
     QGuiApplication::setDesktopFileName(QStringLiteral("com.kelvane.Orvix"));
+    LogFile::install();
 
     MemoryTuning::apply();
     OrvixSingleApplication app(singleInstanceId, argc, argv);

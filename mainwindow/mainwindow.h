@@ -189,6 +189,7 @@ public slots:
     void videoSettings();
     void showColorDialog();
     void help();
+    void openLogFolder();
     void version();
     void setBrightness(int value);
     void setContrast(int value);
@@ -554,6 +555,7 @@ private:
     QAction *storagePathAction = nullptr;
     QAction *helpAction = nullptr;
     QAction *versionAction = nullptr;
+    QAction *logFolderAction = nullptr;
     QMenuBar *mainMenuBar = nullptr;
     QMenu *rotationMenu = nullptr;
     QMenu *resolutionMenu = nullptr;

@@ -8,6 +8,7 @@
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QDesktopServices>
+#include <QDir>
 #include <QDialog>
 #include <QFileInfo>
 #include <QFrame>
@@ -21,6 +22,7 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
+#include "app/logfile.h"
 #include "app/orvixlogging.h"
 #include "tasks/orvixdelaytask.h"
 
@@ -361,6 +363,12 @@ void MainWindow::help()
     const QString manual = QCoreApplication::applicationDirPath() + QStringLiteral("/Help/Orvix_Full_HD_Help.html");
     if (QFileInfo::exists(manual))
         QDesktopServices::openUrl(QUrl::fromLocalFile(manual));
+}
+
+void MainWindow::openLogFolder()
+{
+    QDir().mkpath(LogFile::folder());
+    QDesktopServices::openUrl(QUrl::fromLocalFile(LogFile::folder()));
 }
 
 void MainWindow::setBrightness(int value) { adjustments.brightness = value; adjustmentsChanged(); }

@@ -133,6 +133,12 @@ void MainWindow::createMenus()
     connect(versionAction, &QAction::triggered, this, &MainWindow::version);
     versionAction->setEnabled(true);
     helpMenu->addActions({ helpAction, versionAction });
+    // Beyond the designed entries: where the technician finds the log.
+    helpMenu->addSeparator();
+    logFolderAction = makeAction(QStringLiteral("Log Folder"), QStringLiteral("Open the folder of the program's log"), false, this);
+    logFolderAction->setObjectName(QStringLiteral("LogFolderAction"));
+    connect(logFolderAction, &QAction::triggered, this, &MainWindow::openLogFolder);
+    helpMenu->addAction(logFolderAction);
 
     rotationMenu = new QMenu(QStringLiteral("Rotation"), this);
     rotationMenu->addActions(rotationActions);

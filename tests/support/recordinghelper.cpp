@@ -13,6 +13,7 @@
 #include <QTest>
 #include <QTimer>
 
+#include "app/logfile.h"
 #include "capture/recordingelements.h"
 #include "mainwindow/mainwindow.h"
 #include "tasks/orvixtaskscheduler.h"
@@ -22,6 +23,8 @@ int main(int argc, char *argv[])
     QApplication app(argc, argv);
     QCoreApplication::setOrganizationName(QStringLiteral("Kelvane"));
     QCoreApplication::setApplicationName(QStringLiteral("Orvix"));
+    // As the program keeps its log.
+    LogFile::install();
     if (argc < 2)
         return 2;
 

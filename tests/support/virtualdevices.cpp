@@ -28,6 +28,7 @@ VirtualDevices::VirtualDevices()
     qputenv("HOME", home().toLocal8Bit());
     qputenv("XDG_CONFIG_HOME", configHome().toLocal8Bit());
     qputenv("XDG_RUNTIME_DIR", runtimeDir().toLocal8Bit());
+    qputenv("XDG_STATE_HOME", (home() + QStringLiteral("/.local/state")).toLocal8Bit());
     qunsetenv("XDG_DOCUMENTS_DIR");
     qunsetenv("PULSE_SERVER");
     qputenv("ORVIX_VIRTUAL_CAMERAS", controlFile().toLocal8Bit());

@@ -1,13 +1,25 @@
 // One copy per user, with real processes: a second start wakes the first and
 // exits 0, simultaneous starts give one first copy, a killed copy does not
 // block the next start, and another user's copy is never found.
+#include <algorithm>
+#include <memory>
+#include <vector>
+
 #include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QScopeGuard>
+#include <QThread>
+#include <QRegularExpression>
 #include <QProcess>
 #include <QUuid>
 
 #include <signal.h>
 #include <unistd.h>
 
+#include "app/logfile.h"
+#include "app/orvixlogging.h"
+#include "logcheck.h"
 #include "orvixtest.h"
 
 namespace {
@@ -178,18 +190,29 @@ private slots:
         stop(mine);
     }
 
-    void theProgramItselfLetsASecondStartLeave()
+    // The program itself: a second start leaves at once and brings the
+    // first forward. Its terminal shows warnings only; everything, the
+    // designed debug lines in their order included, is in its log, and a
+    // crash leaves its last lines there.
+    void theProgramItselfLetsASecondStartLeaveAndKeepsItsLog()
     {
+        devices.setCameras({ VirtualDevices::fullHdCamera() });
+        const QString log = devices.home() + QStringLiteral("/.local/state/Kelvane/Orvix/orvix.log");
+        QFile::remove(log);
         const QStringList arguments;
         QProcessEnvironment environment = devices.environment();
-        environment.insert(QStringLiteral("QT_LOGGING_RULES"), QStringLiteral("orvix.app.debug=true"));
+        environment.remove(QStringLiteral("QT_LOGGING_RULES"));
+        environment.insert(QStringLiteral("QT_MESSAGE_PATTERN"), QStringLiteral("%{type} %{category}: %{message}"));
         QProcess first;
         first.setProcessEnvironment(environment);
         first.setProcessChannelMode(QProcess::MergedChannels);
         first.start(QStringLiteral(ORVIX_PROGRAM), arguments);
         // Its window geometry is logged once the window stands, before it is shown.
-        QVERIFY(waitForLine(first, "orvix.app: QRect", 20000));
-        QVERIFY(waitForLine(first, "orvix.app: QRect", 5000));
+        const auto logged = [&](const QByteArray &text, int times = 1) {
+            QFile file(log);
+            return file.open(QIODevice::ReadOnly) && file.readAll().count(text) >= times;
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(logged("orvix.app: QRect", 2), 20000);
         QTest::qWait(500);
 
         QProcess second;
@@ -200,14 +223,100 @@ private slots:
         QVERIFY(second.waitForFinished(6000));
         QCOMPARE(second.exitCode(), 0);
         QVERIFY(clock.elapsed() < 5000);
-        QVERIFY(waitForLine(first, "orvix.app: single instance: message \"Wake up!\"", 5000));
+        QTRY_VERIFY_WITH_TIMEOUT(logged("orvix.app: single instance: message \"Wake up!\""), 5000);
         // The program's own window is the one brought forward.
-        QVERIFY(waitForLine(first, "orvix.app: single instance: brought forward \"MainWindow\"", 5000));
+        QTRY_VERIFY_WITH_TIMEOUT(logged("orvix.app: single instance: brought forward \"MainWindow\""), 5000);
         QCOMPARE(first.state(), QProcess::Running);
 
         first.terminate();
         QVERIFY(first.waitForFinished(5000));
         QCOMPARE(first.exitStatus(), QProcess::NormalExit);
+        const QStringList terminal = QString::fromLocal8Bit(first.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        for (const QString &line : terminal)
+            QVERIFY2(line.startsWith(QLatin1String("warning ")) || line.startsWith(QLatin1String("critical ")), qPrintable(line));
+
+        const QStringList lines = LogCheck::lines(log);
+        const QRegularExpression format(QStringLiteral("^\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d\\.\\d{3}\\S* [DIWCF] \\[[^\\]]+\\] [\\w.]+: "));
+        for (const QString &line : lines)
+            QVERIFY2(format.match(line).hasMatch(), qPrintable(line));
+        // The designed lines, in the order the program writes them.
+        const QStringList expected { QStringLiteral("D [main] orvix.capture: discoverAvailableCameras:  \"Orvix Full HD Camera\""),
+                                     QStringLiteral("D [main] orvix.app: QRect("),
+                                     QStringLiteral("D [main] orvix.app: QRect("),
+                                     QStringLiteral("D [main] orvix.ui: changeevent happened"),
+                                     QStringLiteral("D [main] orvix.app: single instance: message \"Wake up!\""),
+                                     QStringLiteral("D [main] orvix.app: single instance: brought forward \"MainWindow\"") };
+        const QString missing = LogCheck::missingInOrder(lines, expected);
+        QVERIFY2(missing.isEmpty(), qPrintable(missing));
+        // The connections the window makes by text on purpose are in the
+        // file, not on the terminal.
+        QVERIFY(std::any_of(lines.cbegin(), lines.cend(), [](const QString &line) {
+            return line.contains(QLatin1String(" W ")) && line.contains(QLatin1String("qt.core.qobject.connect: QObject::connect: No such signal"));
+        }));
+
+        // A crash: its last line says so.
+        QProcess crashing;
+        crashing.setProcessEnvironment(environment);
+        crashing.start(QStringLiteral(ORVIX_PROGRAM), arguments);
+        QTRY_VERIFY_WITH_TIMEOUT(logged("orvix.app: QRect", 4), 20000);
+        ::kill(pid_t(crashing.processId()), SIGSEGV);
+        QVERIFY(crashing.waitForFinished(5000));
+        QCOMPARE(crashing.exitStatus(), QProcess::CrashExit);
+        QFile file(log);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QVERIFY2(file.readAll().endsWith("F [crash] orvix: the program ended on signal 11\n"), qPrintable(log));
+    }
+
+    // Threads writing at once: the log rotates, keeps within its bound, and
+    // of what it keeps loses, splits and mixes no line.
+    void logKeepsWithinItsBound()
+    {
+        const QByteArray stateBefore = qgetenv("XDG_STATE_HOME");
+        qputenv("XDG_STATE_HOME", (devices.home() + QStringLiteral("/bounded")).toLocal8Bit());
+        auto restore = qScopeGuard([&] {
+            LogFile::uninstall();
+            qputenv("XDG_STATE_HOME", stateBefore);
+        });
+        const LogFile::Limits limits { 20000, 2 };
+        QVERIFY(LogFile::install(limits));
+        constexpr int writers = 4;
+        constexpr int linesEach = 1500;
+        std::vector<std::unique_ptr<QThread>> threads;
+        for (int writer = 0; writer < writers; ++writer) {
+            threads.emplace_back(QThread::create([writer] {
+                for (int n = 0; n < linesEach; ++n)
+                    qCDebug(lcApp) << "writer" << writer << "line" << n;
+            }));
+            threads.back()->start();
+        }
+        for (const auto &thread : threads)
+            QVERIFY(thread->wait(20000));
+        LogFile::uninstall();
+
+        const QString log = LogFile::path();
+        QVERIFY(QFileInfo::exists(log + QStringLiteral(".2")));
+        QVERIFY(!QFileInfo::exists(log + QStringLiteral(".3")));
+        QList<int> last(writers, -1);
+        const QRegularExpression line(QStringLiteral("^\\S+ D \\[[^\\]]+\\] orvix.app: writer (\\d) line (\\d+)$"));
+        for (const QString &name : { log + QStringLiteral(".2"), log + QStringLiteral(".1"), log }) {
+            QFile file(name);
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            QVERIFY2(file.size() <= limits.fileBytes, qPrintable(name));
+            for (const QString &text : QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+                const QRegularExpressionMatch match = line.match(text);
+                QVERIFY2(match.hasMatch(), qPrintable(text));
+                const int writer = match.captured(1).toInt();
+                const int n = match.captured(2).toInt();
+                // Each writer's lines follow on without a gap once the kept files begin.
+                QVERIFY2(last[writer] < 0 || n == last[writer] + 1, qPrintable(text));
+                last[writer] = n;
+            }
+        }
+        // What is kept is the newest: a writer's lines there run to its last,
+        // unless all of them were rotated away.
+        for (int writer = 0; writer < writers; ++writer)
+            QVERIFY2(last[writer] == -1 || last[writer] == linesEach - 1, qPrintable(QString::number(last[writer])));
+        QVERIFY(last.contains(linesEach - 1));
     }
 
 private:

@@ -32,6 +32,7 @@
 #include "capture/recordingelements.h"
 #include "hospital/caseinformation.h"
 #include "mainwindow/mainwindow.h"
+#include "logcheck.h"
 #include "messageboxwatcher.h"
 #include "movieprobe.h"
 #include "orvixtest.h"
@@ -569,6 +570,18 @@ private slots:
             QTest::qWait(runMsec);
             ::kill(pid_t(program.processId()), SIGKILL);
             QVERIFY(program.waitForFinished(5000));
+            // Its log holds the designed lines of a recording, in order, up to
+            // the moment it was killed: whole lines, the last of them written
+            // while it recorded.
+            const QString log = devices.home() + QStringLiteral("/.local/state/Kelvane/Orvix/orvix.log");
+            const QStringList lines = LogCheck::lines(log);
+            const QString missing = LogCheck::missingInOrder(
+                    lines, { QStringLiteral("D [main] orvix.capture: discoverAvailableCameras:  \"Orvix Full HD Camera\""),
+                             QStringLiteral("D [main] orvix.recording: metaDataString: \"/Kill, Test//\""),
+                             QStringLiteral("orvix.recording: encoder threads at nice") });
+            QVERIFY2(missing.isEmpty(), qPrintable(missing));
+            QFile whole(log);
+            QVERIFY(whole.open(QIODevice::ReadOnly) && whole.readAll().endsWith('\n'));
         } else {
             MainWindow window;
             settle(window);

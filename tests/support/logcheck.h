@@ -1,0 +1,32 @@
+// Reading the program's log in a test.
+#pragma once
+
+#include <QFile>
+#include <QStringList>
+
+namespace LogCheck {
+
+inline QStringList lines(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    return QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+}
+
+// Empty when a line holding each of `expected` follows the one before;
+// else the first that is missing or out of order, with the log.
+inline QString missingInOrder(const QStringList &lines, const QStringList &expected)
+{
+    qsizetype at = 0;
+    for (const QString &wanted : expected) {
+        while (at < lines.size() && !lines.at(at).contains(wanted))
+            ++at;
+        if (at == lines.size())
+            return wanted + QStringLiteral(" missing or out of order in:\n") + lines.join(QLatin1Char('\n'));
+        ++at;
+    }
+    return {};
+}
+
+} // namespace LogCheck
