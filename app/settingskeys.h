@@ -10,6 +10,8 @@ inline const QString doctorName = QStringLiteral("informationPanel/doctorName");
 inline const QString hospitalName = QStringLiteral("informationPanel/hospitalName");
 inline const QString storageLocation = QStringLiteral("filePreviewPanel/storageLocation");
 inline const QString sizeLimit = QStringLiteral("runTime/sizeLimit");
+// The pedals' keys, one entry each.
+inline const QString footSwitchGroup = QStringLiteral("footSwitch");
 
 constexpr int defaultMicVolume = 70;
 } // namespace SettingsKeys

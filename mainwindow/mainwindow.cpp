@@ -23,6 +23,7 @@
 #include "app/settingskeys.h"
 #include "capture/audioinfo.h"
 #include "capture/microphonelevel.h"
+#include "widgets/footswitch.h"
 #include "capture/devicerecognition.h"
 #include "capture/orvixdevicewatchdogtask.h"
 #include "capture/recordingelements.h"
@@ -46,6 +47,8 @@ MainWindow::MainWindow(QWidget *parent)
     createResolutionAndRotationActions();
     createActions();
     createMenus();
+    footSwitch = new FootSwitch(this);
+    connect(footSwitch, &FootSwitch::pressed, this, [this](FootSwitch::Pedal pedal) { footPedal(int(pedal)); });
 
     readSettings();
     setupRecordingGuard();

@@ -36,6 +36,7 @@ class QAction;
 class QAudioInput;
 class QAudioSink;
 class MicrophoneLevel;
+class FootSwitch;
 class QCheckBox;
 class QComboBox;
 class QDialog;
@@ -190,6 +191,7 @@ public slots:
     void showColorDialog();
     void help();
     void openLogFolder();
+    void showFootSwitchDialog();
     void version();
     void setBrightness(int value);
     void setContrast(int value);
@@ -273,6 +275,8 @@ private:
     void fillResolutionMenu();
     void setupLevelMeter();
     void applyMicrophoneControls();
+    // What a pedal of the foot switch does; see FootSwitch::Pedal.
+    void footPedal(int pedal);
     void deleteAudioSource();
     // The running camera's part of the session, taken down and forgotten.
     void deletePipeline();
@@ -556,6 +560,8 @@ private:
     QAction *helpAction = nullptr;
     QAction *versionAction = nullptr;
     QAction *logFolderAction = nullptr;
+    QAction *footSwitchAction = nullptr;
+    FootSwitch *footSwitch = nullptr;
     QMenuBar *mainMenuBar = nullptr;
     QMenu *rotationMenu = nullptr;
     QMenu *resolutionMenu = nullptr;

@@ -25,6 +25,7 @@
 #include "app/logfile.h"
 #include "app/orvixlogging.h"
 #include "tasks/orvixdelaytask.h"
+#include "widgets/footswitchdialog.h"
 
 namespace {
 struct ColorRow
@@ -363,6 +364,19 @@ void MainWindow::help()
     const QString manual = QCoreApplication::applicationDirPath() + QStringLiteral("/Help/Orvix_Full_HD_Help.html");
     if (QFileInfo::exists(manual))
         QDesktopServices::openUrl(QUrl::fromLocalFile(manual));
+}
+
+void MainWindow::showFootSwitchDialog()
+{
+    QList<std::pair<QKeySequence, QString>> taken;
+    for (QAction *action : findChildren<QAction *>()) {
+        for (const QKeySequence &shortcut : action->shortcuts())
+            taken.append({ shortcut, QString(action->text()).remove(QLatin1Char('&')) });
+    }
+    auto *dialog = new FootSwitchDialog(footSwitch->allKeys(), taken, this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(dialog, &QDialog::accepted, this, [this, dialog] { footSwitch->setKeys(dialog->keys()); });
+    dialog->open();
 }
 
 void MainWindow::openLogFolder()

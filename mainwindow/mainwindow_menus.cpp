@@ -97,6 +97,8 @@ void MainWindow::createActions()
     connect(storagePathAction, &QAction::triggered, this, &MainWindow::updateStorageRoot);
     hospitalAction = makeAction(QStringLiteral("Hospital Systems"), QStringLiteral("Set up the archive (PACS) and the worklist"), false, this);
     connect(hospitalAction, &QAction::triggered, this, &MainWindow::showHospitalSettings);
+    footSwitchAction = makeAction(QStringLiteral("Foot Switch"), QStringLiteral("Learn the keys of the foot switch's pedals"), false, this);
+    connect(footSwitchAction, &QAction::triggered, this, &MainWindow::showFootSwitchDialog);
     finishCaseAction = makeAction(QStringLiteral("Finish Case"), QStringLiteral("End this patient's case and clear the patient for the next one"), false, this);
     connect(finishCaseAction, &QAction::triggered, this, &MainWindow::finishCase);
 }
@@ -124,6 +126,7 @@ void MainWindow::createMenus()
     configurationMenu->addSeparator();
     configurationMenu->addAction(hospitalAction);
     configurationMenu->addAction(finishCaseAction);
+    configurationMenu->addAction(footSwitchAction);
 
     QMenu *helpMenu = mainMenuBar->addMenu(QStringLiteral("&Help"));
     helpAction = makeAction(QStringLiteral("Help"), QStringLiteral("Open help document"), false, this);

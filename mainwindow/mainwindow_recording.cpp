@@ -28,6 +28,7 @@
 #include "tasks/orvixdelaytask.h"
 #include "tasks/orvixfilesplittask.h"
 #include "widgets/animationlabel.h"
+#include "widgets/footswitch.h"
 
 namespace {
 constexpr int focusHintMsec = 5000;
@@ -286,6 +287,36 @@ void MainWindow::pauseCaptureVideo()
     } else if (recorder->recorderState() == QMediaRecorder::RecordingState) {
         recorder->pause();
         pauseAction->setText(QStringLiteral("Resume"));
+    }
+}
+
+// The pedals do one thing each, where the designed keys toggle: Record
+// never stops and Stop never resumes.
+void MainWindow::footPedal(int pedal)
+{
+    switch (FootSwitch::Pedal(pedal)) {
+    case FootSwitch::Pedal::Snapshot:
+        captureStillImage();
+        break;
+    case FootSwitch::Pedal::Record:
+        if (!recorder || splitPending || splitDelayTask)
+            break;
+        if (recorder->recorderState() == QMediaRecorder::StoppedState)
+            captureVideo();
+        else if (recorder->recorderState() == QMediaRecorder::PausedState)
+            pauseCaptureVideo();
+        break;
+    case FootSwitch::Pedal::Stop:
+        if (!recorder)
+            break;
+        if (splitPending || splitDelayTask)
+            captureVideo();
+        else if (recorder->recorderState() != QMediaRecorder::StoppedState)
+            stopRecordingOnceStarted();
+        break;
+    case FootSwitch::Pedal::PauseResume:
+        pauseCaptureVideo();
+        break;
     }
 }
 
