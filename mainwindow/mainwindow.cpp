@@ -22,6 +22,7 @@
 #include "app/orvixlogging.h"
 #include "app/settingskeys.h"
 #include "capture/audioinfo.h"
+#include "capture/camerabutton.h"
 #include "capture/microphonelevel.h"
 #include "widgets/footswitch.h"
 #include "capture/devicerecognition.h"
@@ -48,6 +49,9 @@ MainWindow::MainWindow(QWidget *parent)
     createActions();
     createMenus();
     footSwitch = new FootSwitch(this);
+    // The camera head's button takes a snapshot, whichever window is in front.
+    cameraButton = new CameraButton(this);
+    connect(cameraButton, &CameraButton::pressed, this, &MainWindow::captureStillImage);
     connect(footSwitch, &FootSwitch::pressed, this, [this](FootSwitch::Pedal pedal) { footPedal(int(pedal)); });
 
     readSettings();
@@ -132,6 +136,7 @@ void MainWindow::takeDownCamera()
     formatSettling = false;
     restartQueued = false;
     formatSettleTimer.stop();
+    cameraButton->stop();
     if (!camera)
         return;
     captureSession.setCamera(nullptr);

@@ -37,6 +37,7 @@ class QAudioInput;
 class QAudioSink;
 class MicrophoneLevel;
 class FootSwitch;
+class CameraButton;
 class QCheckBox;
 class QComboBox;
 class QDialog;
@@ -104,6 +105,8 @@ public:
     QAudioDevice chosenMicrophoneDevice() const { return chosenMicrophone; }
     QCamera *currentCamera() const { return camera; }
     QAudioInput *currentAudioInput() const { return audioInput; }
+    // The event node the running camera's button is read from; empty when none.
+    QString cameraButtonNode() const;
     QMediaRecorder *currentRecorder() const { return recorder; }
     // The live view's frame path: its counts and costs, for measurements.
     LiveFramePipeline &liveView() { return *livePipeline; }
@@ -562,6 +565,7 @@ private:
     QAction *logFolderAction = nullptr;
     QAction *footSwitchAction = nullptr;
     FootSwitch *footSwitch = nullptr;
+    CameraButton *cameraButton = nullptr;
     QMenuBar *mainMenuBar = nullptr;
     QMenu *rotationMenu = nullptr;
     QMenu *resolutionMenu = nullptr;

@@ -24,6 +24,7 @@
 #include "app/orvixlogging.h"
 #include "app/settingskeys.h"
 #include "capture/audioinfo.h"
+#include "capture/camerabutton.h"
 #include "capture/devicerecognition.h"
 #include "capture/microphonelevel.h"
 #include "widgets/animationlabel.h"
@@ -215,6 +216,7 @@ void MainWindow::setCamera(QCameraDevice cameraInfo)
     logStartupStep("camera set up");
     camera->setActive(true);
     logStartupStep("camera started");
+    cameraButton->watch(CameraButton::eventNode(cameraInfo.description()));
     awaitSettledFormat();
     startedCameraDevice = cameraInfo;
     stopMediaPlayer();
@@ -403,6 +405,11 @@ void MainWindow::logFrameStatistics()
 void MainWindow::updateAudioOutVolum(float volume)
 {
     qCDebug(lcCapture) << "===================================updateAioutput volum" << volume;
+}
+
+QString MainWindow::cameraButtonNode() const
+{
+    return cameraButton->watchedNode();
 }
 
 void MainWindow::applyMicrophoneControls()

@@ -32,7 +32,7 @@ for file in ./usr/bin/orvix ./usr/lib/orvix/orvix ./usr/lib/orvix/Help \
             ./usr/share/orvix/Help/Orvix_Full_HD_Help.html ./usr/share/man/man1/orvix.1.gz \
             ./usr/share/doc/orvix/copyright ./usr/share/doc/orvix/changelog.gz \
             ./usr/share/applications/com.kelvane.Orvix.desktop ./usr/share/metainfo/com.kelvane.Orvix.metainfo.xml \
-            ./usr/share/icons/hicolor/scalable/apps/orvix.svg; do
+            ./usr/share/icons/hicolor/scalable/apps/orvix.svg ./usr/lib/udev/rules.d/70-orvix-camera-button.rules; do
     grep -qx "$file" "$work/contents" || fail "$file is not in the package"
 done
 for size in 16 24 32 48 64 128 256; do

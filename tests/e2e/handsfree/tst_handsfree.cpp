@@ -1,21 +1,80 @@
 // Hands-free control through the real window on an X server: a foot
-// switch's keys learned in its dialog and pressed through the X server.
+// switch's keys learned in its dialog and pressed through the X server, and
+// the camera head's button read from its own input device (here a FIFO in
+// a copied sysfs tree, found as the real device is).
+#include <unistd.h>
+
 #include <QDir>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMediaDevices>
 #include <QMediaRecorder>
+#include <QMessageBox>
 #include <QProcess>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QSettings>
 
 #include "app/settingskeys.h"
+#include "capture/camerabutton.h"
 #include "mainwindow/mainwindow.h"
 #include "movieprobe.h"
 #include "orvixtest.h"
 #include "widgets/footswitchdialog.h"
 
 namespace {
+// A link as sysfs has them: relative to where it is.
+bool link(const QString &target, const QString &path)
+{
+    return ::symlink(QFile::encodeName(target).constData(), QFile::encodeName(path).constData()) == 0;
+}
+
+// A sysfs and /dev tree as Linux has them for a UVC camera (video0 on USB
+// device 1-1, its button event7), another camera's button (event9, 1-2)
+// and a keyboard (event3). The event nodes are FIFOs.
+bool makeDeviceTree(const QString &tree)
+{
+    const QString usb = QStringLiteral("devices/pci0000:00/0000:00:14.0/usb1/");
+    const QString keyboard = QStringLiteral("devices/platform/i8042/serio0/input/input3");
+    // KEY_CAMERA is 212: bit 20 of the fourth 64-bit word.
+    const QByteArray cameraKey = "100000 0 0 0\n";
+    struct Node { QString input; QString event; QByteArray keys; };
+    const Node nodes[] = { { usb + QStringLiteral("1-1/1-1:1.0/input/input7"), QStringLiteral("event7"), cameraKey },
+                           { usb + QStringLiteral("1-2/1-2:1.0/input/input9"), QStringLiteral("event9"), cameraKey },
+                           { keyboard, QStringLiteral("event3"), "7 ff800000 0 0 0 0 fffffffffffffffe\n" } };
+    QDir root(tree);
+    root.mkpath(QStringLiteral("sys/class/input"));
+    root.mkpath(QStringLiteral("sys/class/video4linux"));
+    root.mkpath(QStringLiteral("dev/input"));
+    for (const Node &node : nodes) {
+        root.mkpath(QStringLiteral("sys/") + node.input + QStringLiteral("/capabilities"));
+        root.mkpath(QStringLiteral("sys/") + node.input + QLatin1Char('/') + node.event);
+        QFile keys(tree + QStringLiteral("/sys/") + node.input + QStringLiteral("/capabilities/key"));
+        if (!keys.open(QIODevice::WriteOnly) || keys.write(node.keys) < 0)
+            return false;
+        if (!link(QStringLiteral("../../") + node.input + QLatin1Char('/') + node.event,
+                  tree + QStringLiteral("/sys/class/input/") + node.event))
+            return false;
+        if (QProcess::execute(QStringLiteral("mkfifo"), { tree + QStringLiteral("/dev/input/") + node.event }) != 0)
+            return false;
+    }
+    const QString video = usb + QStringLiteral("1-1/1-1:1.0/video4linux/video0");
+    root.mkpath(QStringLiteral("sys/") + video);
+    if (!link(QStringLiteral("../../../1-1:1.0"), tree + QStringLiteral("/sys/") + video + QStringLiteral("/device"))
+        || !link(QStringLiteral("../../") + video, tree + QStringLiteral("/sys/class/video4linux/video0")))
+        return false;
+    QFile name(tree + QStringLiteral("/sys/") + video + QStringLiteral("/name"));
+    return name.open(QIODevice::WriteOnly) && name.write("Orvix Full HD Camera\n") > 0;
+}
+
+// What the kernel hands out for a key: the key's event, then a report.
+QByteArray keyEvent(quint16 code, qint32 value)
+{
+    struct Event { qint64 seconds; qint64 microseconds; quint16 type; quint16 code; qint32 value; };
+    const Event events[2] = { { 0, 0, 1 /* EV_KEY */, code, value }, { 0, 0, 0 /* EV_SYN */, 0, 0 } };
+    return QByteArray(reinterpret_cast<const char *>(events), sizeof events);
+}
+
 // A key typed through the X server into the window that has the focus,
 // as a USB foot switch types it.
 bool typeKey(const QString &key)
@@ -135,6 +194,70 @@ private slots:
         QTest::qWait(1100); // snapshots are named by the second
         QVERIFY(typeKey(QStringLiteral("F7")));
         QTRY_COMPARE_WITH_TIMEOUT(files(QStringLiteral("Image"), QStringLiteral("*.jpg")).size(), 2, 5000);
+    }
+
+    // Pressing the camera's button takes one snapshot, with the window in
+    // front and with another; another device's button does nothing; the
+    // button goes with its camera without a word and comes back with it.
+    void cameraButton()
+    {
+        const QString tree = devices.home() + QStringLiteral("/devices");
+        QVERIFY(makeDeviceTree(tree));
+        QCOMPARE(CameraButton::eventNode(QStringLiteral("Orvix Full HD Camera"), tree), tree + QStringLiteral("/dev/input/event7"));
+        QCOMPARE(CameraButton::eventNode(QStringLiteral("Orvix QHD Camera"), tree), QString());
+        // This machine has no camera of its own.
+        QCOMPARE(CameraButton::eventNode(QStringLiteral("Orvix Full HD Camera")), QString());
+
+        qputenv("ORVIX_DEVICE_ROOT", tree.toLocal8Bit());
+        auto noTree = qScopeGuard([] { qunsetenv("ORVIX_DEVICE_ROOT"); });
+        const QString line = VirtualDevices::fullHdCamera();
+        MainWindow window;
+        window.resize(1280, 720);
+        window.show();
+        QVERIFY(window.isCameraLive());
+        QCOMPARE(window.cameraButtonNode(), tree + QStringLiteral("/dev/input/event7"));
+        // The snapshot branch is ready a moment after the picture.
+        QTest::qWait(1500);
+        const auto snapshots = [&] { return QDir(root + QStringLiteral("Image")).entryList({ "*.jpg" }, QDir::Files).size(); };
+        const qsizetype before = snapshots();
+        QFile button(tree + QStringLiteral("/dev/input/event7"));
+        QVERIFY(button.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+
+        // Held down, the button repeats: one press is one snapshot.
+        QVERIFY(button.write(keyEvent(212, 1) + keyEvent(212, 2) + keyEvent(212, 2) + keyEvent(212, 0)) > 0);
+        QTRY_COMPARE_WITH_TIMEOUT(snapshots(), before + 1, 5000);
+        QTest::qWait(1100); // snapshots are named by the second
+
+        QWidget other;
+        other.resize(400, 300);
+        other.show();
+        other.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&other));
+        QVERIFY(!window.isActiveWindow());
+        // Another key of the same device does nothing.
+        QVERIFY(button.write(keyEvent(28 /* KEY_ENTER */, 1) + keyEvent(28, 0)) > 0);
+        QVERIFY(button.write(keyEvent(212, 1) + keyEvent(212, 0)) > 0);
+        QTRY_COMPARE_WITH_TIMEOUT(snapshots(), before + 2, 5000);
+        QTest::qWait(1100);
+
+        QFile otherCamera(tree + QStringLiteral("/dev/input/event9"));
+        QVERIFY(otherCamera.open(QIODevice::ReadWrite | QIODevice::Unbuffered));
+        QVERIFY(otherCamera.write(keyEvent(212, 1) + keyEvent(212, 0)) > 0);
+        QTest::qWait(1500);
+        QCOMPARE(snapshots(), before + 2);
+
+        // Unplugged: the camera and its button go, and nothing is said.
+        devices.setCameras({});
+        button.close();
+        QTRY_VERIFY_WITH_TIMEOUT(!window.isCameraLive(), 6000);
+        QVERIFY(window.cameraButtonNode().isEmpty());
+        QVERIFY(!window.findChild<QMessageBox *>());
+        devices.setCameras({ line });
+        QTRY_VERIFY_WITH_TIMEOUT(window.isCameraLive(), 6000);
+        QCOMPARE(window.cameraButtonNode(), tree + QStringLiteral("/dev/input/event7"));
+        QVERIFY(button.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+        QVERIFY(button.write(keyEvent(212, 1) + keyEvent(212, 0)) > 0);
+        QTRY_COMPARE_WITH_TIMEOUT(snapshots(), before + 3, 5000);
     }
 
 private:
