@@ -182,9 +182,12 @@ void padLinked(GObject *, GstClockTime, GstPad *source, GstPad *sink, GstPadLink
 {
     if (result == GST_PAD_LINK_OK)
         watchLiveViewSink(sink);
-    if (result != GST_PAD_LINK_OK || !madeBy(sink, "encodebin") || !g_str_has_prefix(GST_OBJECT_NAME(sink), "audio"))
+    if (result != GST_PAD_LINK_OK || !madeBy(sink, "encodebin"))
         return;
-    SilenceFeeder::watch(source, sink);
+    if (g_str_has_prefix(GST_OBJECT_NAME(sink), "audio"))
+        SilenceFeeder::watch(source, sink);
+    else if (g_str_has_prefix(GST_OBJECT_NAME(sink), "video"))
+        SilenceFeeder::watchPicture(sink);
 }
 
 // The file writer keeps a few kilobytes in a buffer of its own, which a
@@ -198,8 +201,15 @@ void elementMade(GObject *, GstClockTime, GstElement *element)
     // A microphone must not be the clock that the camera, the live view and
     // the recording keep time by: one that stops, or hands out its sound in
     // bursts, would hold all of them up. Its sound follows the system clock.
+    // Its ring buffer holds 0.2 s by default: of a microphone that hands
+    // out its sound in blocks of seconds, all but the last 0.2 s of each
+    // block was overwritten before it was read. It holds the muxer's wait.
     if (factory && g_str_equal(gst_plugin_feature_get_name(GST_PLUGIN_FEATURE(factory)), "pulsesrc"))
-        g_object_set(element, "provide-clock", FALSE, nullptr);
+    {
+        g_object_set(element, "provide-clock", FALSE, "buffer-time",
+                     gint64(RecordingElements::lateSoundMilliseconds) * 1000, nullptr);
+        gst_util_set_object_arg(G_OBJECT(element), "slave-method", "re-timestamp");
+    }
 }
 
 // The links and elements are made by Qt, out of reach; a tracer hears of
@@ -261,6 +271,9 @@ void muxerConstructed(GObject *object)
     // that no player can open after a crash.
     g_object_set(object, "fragment-duration", guint(RecordingElements::fragmentMilliseconds), nullptr);
     gst_util_set_object_arg(object, "fragment-mode", "dash-or-mss");
+    // Sound that comes a little late goes into the file at its time; the
+    // picture waits for it in the muxer, as encoded frames, no longer.
+    g_object_set(object, "latency", GstClockTime(RecordingElements::lateSoundMilliseconds) * GST_MSECOND, nullptr);
 }
 
 // Replaces a stock element's pad template by one of the same name that

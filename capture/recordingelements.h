@@ -55,6 +55,9 @@ inline constexpr const char *tune = "zerolatency";
 inline constexpr int bitrateKbit = 6000;
 inline constexpr int keyframeInterval = 60;
 inline constexpr int fragmentMilliseconds = 1000;
+// How long the muxer waits for sound that comes late (a microphone that
+// hands out its sound in blocks) before it writes the picture without it.
+inline constexpr int lateSoundMilliseconds = 3000;
 // The sound at a constant rate, as an archive takes MP3 in MP4: clear
 // speech, at a rate MP3 allows there.
 inline constexpr int soundBitrateKbit = 128;

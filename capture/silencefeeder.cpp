@@ -3,6 +3,7 @@
 
 #ifdef ORVIX_HAVE_GSTREAMER
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
@@ -13,18 +14,24 @@
 #include <vector>
 
 #include "app/orvixlogging.h"
+#include "capture/recordingelements.h"
 
 namespace {
 
-// A microphone's sound normally passes within a buffer's length of the
-// clock; sound that ends further behind than this is filled in...
-constexpr GstClockTime staleAfter = 500 * GST_MSECOND;
-// ...with silence up to this far behind the clock, leaving room for the
-// microphone's next buffer.
-constexpr GstClockTime fillBehind = 250 * GST_MSECOND;
+// A microphone's sound may come in blocks of up to two seconds; only where
+// none came for longer than this is there silence to fill in, before the
+// muxer stops waiting for it...
+constexpr GstClockTime staleAfter = (RecordingElements::lateSoundMilliseconds - 500) * GST_MSECOND;
+// ...up to this far behind the clock, leaving room for the microphone's
+// next buffer.
+constexpr GstClockTime fillBehind = staleAfter - 500 * GST_MSECOND;
 constexpr auto tick = std::chrono::milliseconds(100);
+// Sound that starts further than this after the last ends follows a gap.
+constexpr GstClockTime gapTolerance = 20 * GST_MSECOND;
 
 std::atomic<int> fedTotal { 0 };
+// Where the newest recording's picture ends, as running time.
+std::atomic<GstClockTime> pictureEnd { GST_CLOCK_TIME_NONE };
 
 struct Format
 {
@@ -111,35 +118,156 @@ GstPad *formatKnownUpstream(GstPad *pad)
     return pad;
 }
 
+// `frames` of silence at `position`, marked as following a gap.
+GstBuffer *silence(const Format &format, GstClockTime position, guint64 frames)
+{
+    const gsize size = gsize(frames) * gsize(format.bytesPerFrame);
+    GstBuffer *buffer = gst_buffer_new_allocate(nullptr, size, nullptr);
+    GstMapInfo map;
+    if (gst_buffer_map(buffer, &map, GST_MAP_WRITE)) {
+        std::memset(map.data, format.silence, map.size);
+        gst_buffer_unmap(buffer, &map);
+    }
+    GST_BUFFER_PTS(buffer) = position;
+    GST_BUFFER_DURATION(buffer) = gst_util_uint64_scale(frames, GST_SECOND, guint64(format.rate));
+    GST_BUFFER_FLAG_SET(buffer, GST_BUFFER_FLAG_DISCONT);
+    return buffer;
+}
+
 // What the feeder and the probe on its pad share; the probe keeps its own
 // reference, as it may run once more after the feeder is gone.
 struct Shared
 {
     // The running time at which the sound that passed the pad ends.
     std::atomic<GstClockTime> soundEnd { GST_CLOCK_TIME_NONE };
+    // When the branch was linked: the recording's sound starts there.
+    std::atomic<GstClockTime> linked { GST_CLOCK_TIME_NONE };
     std::atomic<bool> stopping { false };
     std::mutex lock;
     std::condition_variable wake;
 };
 
+// Keeps the sound that passes `pad` one gapless line from the link on:
+// sound that comes after a stretch with none gets silence before it (else
+// the encoder would close the gap and put it early, out of step with the
+// picture), and sound for a time already filled with silence is dropped.
 GstPadProbeReturn soundPassed(GstPad *pad, GstPadProbeInfo *info, gpointer data)
 {
-    GstBuffer *buffer = nullptr;
-    if (GST_PAD_PROBE_INFO_TYPE(info) & GST_PAD_PROBE_TYPE_BUFFER) {
-        buffer = GST_PAD_PROBE_INFO_BUFFER(info);
+    GstBuffer *first = nullptr;
+    GstBuffer *last = nullptr;
+    const bool single = GST_PAD_PROBE_INFO_TYPE(info) & GST_PAD_PROBE_TYPE_BUFFER;
+    if (single) {
+        first = last = GST_PAD_PROBE_INFO_BUFFER(info);
     } else if (GstBufferList *list = GST_PAD_PROBE_INFO_BUFFER_LIST(info)) {
         const guint length = gst_buffer_list_length(list);
-        buffer = length > 0 ? gst_buffer_list_get(list, length - 1) : nullptr;
+        first = length > 0 ? gst_buffer_list_get(list, 0) : nullptr;
+        last = length > 0 ? gst_buffer_list_get(list, length - 1) : nullptr;
     }
+    GstSegment segment;
+    if (!first || !GST_BUFFER_PTS_IS_VALID(first) || !GST_BUFFER_PTS_IS_VALID(last) || !segmentOf(pad, segment))
+        return GST_PAD_PROBE_OK;
+    const GstClockTime start = gst_segment_to_running_time(&segment, GST_FORMAT_TIME, GST_BUFFER_PTS(first));
+    GstClockTime end = gst_segment_to_running_time(&segment, GST_FORMAT_TIME, GST_BUFFER_PTS(last));
+    if (!GST_CLOCK_TIME_IS_VALID(start) || !GST_CLOCK_TIME_IS_VALID(end))
+        return GST_PAD_PROBE_OK;
+    end += GST_BUFFER_DURATION_IS_VALID(last) ? GST_BUFFER_DURATION(last) : 0;
+    Shared &shared = **static_cast<std::shared_ptr<Shared> *>(data);
+    GstClockTime known = shared.soundEnd;
+    if (!GST_CLOCK_TIME_IS_VALID(known)) {
+        known = shared.linked;
+        if (GST_CLOCK_TIME_IS_VALID(known))
+            qCDebug(lcRecording) << "first sound" << (double(start) - double(known)) / GST_SECOND << "s after the link";
+    }
+    if (GST_CLOCK_TIME_IS_VALID(known)) {
+        if (single && end <= known)
+            return GST_PAD_PROBE_DROP;
+        // What came before the link, or before sound already there, is cut.
+        if (single && start + gapTolerance < known) {
+            GstCaps *caps = gst_pad_get_current_caps(pad);
+            Format format;
+            if (caps && formatOf(caps, format)) {
+                const guint64 frames = gst_util_uint64_scale(known - start, guint64(format.rate), GST_SECOND);
+                const gsize bytes = gsize(frames) * gsize(format.bytesPerFrame);
+                if (bytes < gst_buffer_get_size(first)) {
+                    first = gst_buffer_make_writable(first);
+                    GST_PAD_PROBE_INFO_DATA(info) = first;
+                    gst_buffer_resize(first, gssize(bytes), -1);
+                    const GstClockTime cut = gst_util_uint64_scale(frames, GST_SECOND, guint64(format.rate));
+                    GST_BUFFER_PTS(first) += cut;
+                    if (GST_BUFFER_DURATION_IS_VALID(first))
+                        GST_BUFFER_DURATION(first) -= std::min(cut, GST_BUFFER_DURATION(first));
+                }
+            }
+            if (caps)
+                gst_caps_unref(caps);
+        }
+        if (start > known + gapTolerance) {
+            GstCaps *caps = gst_pad_get_current_caps(pad);
+            Format format;
+            if (caps && formatOf(caps, format)) {
+                const GstClockTime position = gst_segment_position_from_running_time(&segment, GST_FORMAT_TIME, known);
+                const guint64 frames = gst_util_uint64_scale(start - known, guint64(format.rate), GST_SECOND);
+                if (GST_CLOCK_TIME_IS_VALID(position) && frames > 0) {
+                    ++fedTotal;
+                    // Passes this probe first, and ends where this sound starts.
+                    gst_pad_push(pad, silence(format, position, frames));
+                }
+            }
+            if (caps)
+                gst_caps_unref(caps);
+        }
+    }
+    auto &soundEnd = shared.soundEnd;
+    known = soundEnd;
+    while ((!GST_CLOCK_TIME_IS_VALID(known) || end > known) && !soundEnd.compare_exchange_weak(known, end)) { }
+    return GST_PAD_PROBE_OK;
+}
+
+GstPadProbeReturn picturePassed(GstPad *pad, GstPadProbeInfo *info, gpointer)
+{
+    GstBuffer *buffer = GST_PAD_PROBE_INFO_BUFFER(info);
     GstSegment segment;
     if (!buffer || !GST_BUFFER_PTS_IS_VALID(buffer) || !segmentOf(pad, segment))
         return GST_PAD_PROBE_OK;
     const GstClockTime start = gst_segment_to_running_time(&segment, GST_FORMAT_TIME, GST_BUFFER_PTS(buffer));
-    if (GST_CLOCK_TIME_IS_VALID(start)) {
-        const GstClockTime end = start + (GST_BUFFER_DURATION_IS_VALID(buffer) ? GST_BUFFER_DURATION(buffer) : 0);
-        auto &soundEnd = (*static_cast<std::shared_ptr<Shared> *>(data))->soundEnd;
-        GstClockTime known = soundEnd;
-        while ((!GST_CLOCK_TIME_IS_VALID(known) || end > known) && !soundEnd.compare_exchange_weak(known, end)) { }
+    if (GST_CLOCK_TIME_IS_VALID(start))
+        pictureEnd = start + (GST_BUFFER_DURATION_IS_VALID(buffer) ? GST_BUFFER_DURATION(buffer) : 0);
+    return GST_PAD_PROBE_OK;
+}
+
+// The recording stops: the sound that the microphone still holds back
+// cannot reach the file any more, and the picture goes on to the stop.
+// Silence from the sound's end to the stop goes in before the end, so that
+// the sound ends with the picture.
+GstPadProbeReturn soundEnds(GstPad *encoderPad, GstPadProbeInfo *info, gpointer data)
+{
+    GstEvent *event = GST_PAD_PROBE_INFO_EVENT(info);
+    if (!event || GST_EVENT_TYPE(event) != GST_EVENT_EOS)
+        return GST_PAD_PROBE_OK;
+    const GstClockTime end = (*static_cast<std::shared_ptr<Shared> *>(data))->soundEnd;
+    GstElement *element = gst_pad_get_parent_element(encoderPad);
+    GstClockTime stop = element ? runningTime(element) : GST_CLOCK_TIME_NONE;
+    // The picture stopped a moment before: the sound ends with it.
+    const GstClockTime lastPicture = pictureEnd;
+    if (GST_CLOCK_TIME_IS_VALID(lastPicture) && GST_CLOCK_TIME_IS_VALID(stop))
+        stop = std::min(stop, lastPicture);
+    if (element)
+        gst_object_unref(element);
+    GstSegment segment;
+    GstCaps *caps = gst_pad_get_current_caps(encoderPad);
+    Format format;
+    const bool known = caps && formatOf(caps, format);
+    if (caps)
+        gst_caps_unref(caps);
+    if (!known || !GST_CLOCK_TIME_IS_VALID(end) || !GST_CLOCK_TIME_IS_VALID(stop) || stop <= end + 100 * GST_MSECOND
+        || !segmentOf(encoderPad, segment))
+        return GST_PAD_PROBE_OK;
+    const GstClockTime position = gst_segment_position_from_running_time(&segment, GST_FORMAT_TIME, end);
+    const guint64 frames = gst_util_uint64_scale(stop - end, guint64(format.rate), GST_SECOND);
+    if (GST_CLOCK_TIME_IS_VALID(position) && frames > 0) {
+        ++fedTotal;
+        qCDebug(lcRecording) << "the sound ends" << double(stop - end) / GST_SECOND << "s before the stop; silence to it";
+        gst_pad_chain(encoderPad, silence(format, position, frames));
     }
     return GST_PAD_PROBE_OK;
 }
@@ -154,6 +282,9 @@ public:
         probe = gst_pad_add_probe(pad, GstPadProbeType(GST_PAD_PROBE_TYPE_BUFFER | GST_PAD_PROBE_TYPE_BUFFER_LIST),
                                   soundPassed, new std::shared_ptr<Shared>(shared),
                                   [](gpointer data) { delete static_cast<std::shared_ptr<Shared> *>(data); });
+        endProbe = gst_pad_add_probe(this->encoderPad, GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM, soundEnds,
+                                     new std::shared_ptr<Shared>(shared),
+                                     [](gpointer data) { delete static_cast<std::shared_ptr<Shared> *>(data); });
         thread = std::thread([this] { run(); });
     }
 
@@ -162,6 +293,7 @@ public:
         stop();
         thread.join();
         gst_pad_remove_probe(pad, probe);
+        gst_pad_remove_probe(encoderPad, endProbe);
         gst_object_unref(pad);
         gst_object_unref(encoderPad);
         if (feedPad)
@@ -192,12 +324,15 @@ private:
             // Until the first sound passes, the recording's sound starts at
             // the link.
             GstClockTime linked = runningTime(element);
+            shared->linked = linked;
             bool keepGoing = pause();
             while (keepGoing) {
                 const GstClockTime now = runningTime(element);
                 GstClockTime end = shared->soundEnd;
+                if (!GST_CLOCK_TIME_IS_VALID(linked) && GST_CLOCK_TIME_IS_VALID(now))
+                    shared->linked = linked = now;
                 if (!GST_CLOCK_TIME_IS_VALID(end))
-                    end = GST_CLOCK_TIME_IS_VALID(linked) ? linked : (linked = now);
+                    end = linked;
                 if (GST_CLOCK_TIME_IS_VALID(now) && GST_CLOCK_TIME_IS_VALID(end) && now > end + staleAfter)
                     keepGoing = feed(end, now - fillBehind);
                 keepGoing = keepGoing && pause();
@@ -235,18 +370,7 @@ private:
         const guint64 frames = gst_util_uint64_scale(to - from, guint64(format.rate), GST_SECOND);
         if (frames == 0 || !GST_CLOCK_TIME_IS_VALID(position))
             return true;
-        const gsize size = gsize(frames) * gsize(format.bytesPerFrame);
-        GstBuffer *buffer = gst_buffer_new_allocate(nullptr, size, nullptr);
-        GstMapInfo map;
-        if (gst_buffer_map(buffer, &map, GST_MAP_WRITE)) {
-            std::memset(map.data, format.silence, map.size);
-            gst_buffer_unmap(buffer, &map);
-        }
-        GST_BUFFER_PTS(buffer) = position;
-        GST_BUFFER_DURATION(buffer) = gst_util_uint64_scale(frames, GST_SECOND, guint64(format.rate));
-        GST_BUFFER_FLAG_SET(buffer, GST_BUFFER_FLAG_DISCONT);
-
-        const GstFlowReturn result = gst_pad_push(feedPad, buffer);
+        const GstFlowReturn result = gst_pad_push(feedPad, silence(format, position, frames));
         if (fedTotal++ == 0 || result != GST_FLOW_OK)
             qCDebug(lcRecording) << "silence fed for a microphone that fell behind:" << gst_flow_get_name(result);
         return result == GST_FLOW_OK;
@@ -258,6 +382,7 @@ private:
     // Where silence goes in; found at the first need.
     GstPad *feedPad = nullptr;
     gulong probe = 0;
+    gulong endProbe = 0;
     std::shared_ptr<Shared> shared = std::make_shared<Shared>();
     std::atomic<bool> done { false };
     std::thread thread;
@@ -277,6 +402,12 @@ void watch(GstPad *source, GstPad *encoderPad)
     for (auto it = feeders.begin(); it != feeders.end();)
         it = (*it)->finished() ? feeders.erase(it) : it + 1;
     feeders.push_back(std::make_unique<Feeder>(source, encoderPad));
+}
+
+void watchPicture(GstPad *encoderPad)
+{
+    pictureEnd = GST_CLOCK_TIME_NONE;
+    gst_pad_add_probe(encoderPad, GST_PAD_PROBE_TYPE_BUFFER, picturePassed, nullptr, nullptr);
 }
 
 void stopAll()

@@ -22,6 +22,9 @@ namespace SilenceFeeder {
 // `encoderPad` until the two are unlinked, and fills in silence where the
 // sound falls behind.
 void watch(GstPad *source, GstPad *encoderPad);
+// Notes where the picture going into `encoderPad` ends: at the stop, the
+// sound is filled in up to there.
+void watchPicture(GstPad *encoderPad);
 // Ends every feeder and waits for it; the pipeline is going away.
 void stopAll();
 // How many buffers of silence were fed since the start, for tests.
