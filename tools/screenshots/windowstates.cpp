@@ -24,6 +24,7 @@
 #include <QMenuBar>
 #include <QPainter>
 #include <QScreen>
+#include <QLabel>
 #include <QSettings>
 #include <QStandardItem>
 #include <QTest>
@@ -39,6 +40,7 @@
 #include <QVideoWidget>
 #include "widgets/worklistdialog.h"
 #include "mainwindow/mainwindow.h"
+#include "widgets/footswitchdialog.h"
 #include "screenshots.h"
 #include "storage/orvixstoragemodel.h"
 #include "tasks/orvixtaskscheduler.h"
@@ -170,6 +172,10 @@ int main(int argc, char *argv[])
         QSettings settings;
         settings.setValue(SettingsKeys::storageLocation, root);
         settings.setValue(SettingsKeys::sizeLimit, 0);
+        // A foot switch with three pedals, as they come.
+        settings.setValue(SettingsKeys::footSwitchGroup + QStringLiteral("/snapshot"), QStringLiteral("B"));
+        settings.setValue(SettingsKeys::footSwitchGroup + QStringLiteral("/record"), QStringLiteral("PgDown"));
+        settings.setValue(SettingsKeys::footSwitchGroup + QStringLiteral("/pauseResume"), QStringLiteral("PgUp"));
     }
     bool saved = true;
     OrthancServer pacs;
@@ -238,8 +244,21 @@ int main(int argc, char *argv[])
     hospital->findChild<QCheckBox *>(QStringLiteral("HospitalSendAutomatically"))->setChecked(true);
     hospital->testButton()->click();
     saved &= QTest::qWaitFor([hospital] { return hospital->testButton()->isEnabled(); }, 15000);
-    saved &= shootDialog(hospital, folder, QStringLiteral("dialog-hospital"));
     hospital->accept();
+    // Shown with the names and ports a hospital uses; the test's own stay set.
+    window->showHospitalSettings();
+    for (const QString &node : { QStringLiteral("HospitalArchive"), QStringLiteral("HospitalWorklist"), QStringLiteral("HospitalSteps") }) {
+        const bool archive = node == QLatin1String("HospitalArchive");
+        hospital->findChild<QLineEdit *>(node + QStringLiteral("CalledAeTitle"))->setText(archive ? QStringLiteral("PACS") : QStringLiteral("RIS"));
+        hospital->findChild<QLineEdit *>(node + QStringLiteral("Host"))
+                ->setText(archive ? QStringLiteral("pacs.hospital.local") : QStringLiteral("ris.hospital.local"));
+        hospital->findChild<QSpinBox *>(node + QStringLiteral("Port"))->setValue(104);
+        // The test answered for the test's own addresses, not these.
+        hospital->findChild<QLabel *>(node + QStringLiteral("TestResult"))->clear();
+    }
+    hospital->findChild<QSpinBox *>(QStringLiteral("HospitalCommitmentPort"))->setValue(11112);
+    saved &= shootDialog(hospital, folder, QStringLiteral("dialog-hospital"));
+    hospital->reject();
     fillInformation(*window, { QStringLiteral("case12"), QStringLiteral("Dr. Weber"), QString(),
                               QStringLiteral("St. Elisabeth"), QStringLiteral("Laparoscopic cholecystectomy") });
     window->chooseFromWorklist();
@@ -278,6 +297,11 @@ int main(int argc, char *argv[])
     window->videoSettings();
     saved &= shootDialog(window->recordDeviceDialog(), folder, QStringLiteral("dialog-record-device"));
     window->recordDeviceDialog()->hide();
+    window->showFootSwitchDialog();
+    auto *footSwitch = window->findChild<FootSwitchDialog *>();
+    saved &= shootDialog(footSwitch, folder, QStringLiteral("dialog-foot-switch"));
+    if (footSwitch)
+        footSwitch->reject();
 
     saved &= openStored(*window, root + QStringLiteral("Image"), QStringLiteral("*.jpg"));
     QTest::qWait(1000);
