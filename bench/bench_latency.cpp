@@ -307,14 +307,8 @@ int main(int argc, char *argv[])
     BenchApplication bench(argc, argv);
     const int seconds = argc > 1 ? std::max(5, std::atoi(argv[1])) : 20;
     VirtualDevices &devices = bench.devices;
-    QString error;
-    if (!devices.startAudio(&error) || !devices.addMicrophone(QStringLiteral("Orvix High Definition Mic II"), 440, &error)) {
-        std::fprintf(stderr, "%s\n", qPrintable(error));
-        return 1;
-    }
     const QString cameraName = QStringLiteral("Orvix Full HD Camera");
-    devices.setCameras({ VirtualDevices::fullHdCamera() + QStringLiteral("|virtual:clock|clock") });
-    if (!QTest::qWaitFor([] { return !QMediaDevices::videoInputs().isEmpty(); }, 5000))
+    if (!bench.startDevices(VirtualDevices::fullHdCamera() + QStringLiteral("|virtual:clock|clock")))
         return 1;
     devices.makeStorageRoot(QStringLiteral("bench"));
 

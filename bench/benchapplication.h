@@ -9,6 +9,8 @@
 
 #include <QApplication>
 #include <QList>
+#include <QMediaDevices>
+#include <QTest>
 
 #include "eventloop.h"
 #include "tasks/orvixtaskscheduler.h"
@@ -49,6 +51,19 @@ struct BenchApplication
     {
         QCoreApplication::setOrganizationName(QStringLiteral("Kelvane"));
         QCoreApplication::setApplicationName(QStringLiteral("Orvix"));
+    }
+
+    // The camera's microphone and the camera of `cameraLine`, ready; false,
+    // and why on stderr, when they are not.
+    bool startDevices(const QString &cameraLine)
+    {
+        QString error;
+        if (!devices.startAudio(&error) || !devices.addMicrophone(QStringLiteral("Orvix High Definition Mic II"), 440, &error)) {
+            std::fprintf(stderr, "%s\n", qPrintable(error));
+            return false;
+        }
+        devices.setCameras({ cameraLine });
+        return QTest::qWaitFor([] { return !QMediaDevices::videoInputs().isEmpty(); }, 5000);
     }
 
     Environment environment;
