@@ -7,7 +7,7 @@
 // opens, and the log holds no warning beyond the designed ones. It also
 // prints how old the live frames were when shown, first minutes against
 // last: a view that falls behind over hours shows there.
-// Usage: orvix_soak [minutes, default 30]. The test run has a 3-minute one.
+// Usage: orvix_soak [minutes, default 30]. The test run has a 2.5-minute one.
 #include <algorithm>
 #include <atomic>
 #include <cstdio>

@@ -305,7 +305,7 @@ private slots:
         QTest::addColumn<int>("seconds");
         QTest::newRow("2 s blocks") << true << false << 60;
         QTest::newRow("stops for 3 s") << false << false << 35;
-        QTest::newRow("unplugged") << false << true << 30;
+        QTest::newRow("unplugged") << false << true << 20;
     }
 
     void unsteadyMicrophone()
