@@ -26,8 +26,9 @@ constexpr GstClockTime staleAfter = (RecordingElements::lateSoundMilliseconds - 
 // next buffer.
 constexpr GstClockTime fillBehind = staleAfter - 500 * GST_MSECOND;
 constexpr auto tick = std::chrono::milliseconds(100);
-// Sound that starts further than this after the last ends follows a gap.
-constexpr GstClockTime gapTolerance = 20 * GST_MSECOND;
+// Sound stamped from the clock jitters with the machine's load: a gap or an
+// overlap up to this is the stamp's, not the microphone's, and left alone.
+constexpr GstClockTime gapTolerance = 100 * GST_MSECOND;
 
 std::atomic<int> fedTotal { 0 };
 // Where the newest recording's picture ends, as running time.
