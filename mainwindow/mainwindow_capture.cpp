@@ -373,7 +373,10 @@ void MainWindow::formatSettled()
 void MainWindow::handleVideoFrame(QVideoFrame videoframe)
 {
     // The render thread has made this frame's picture; the paint shows it.
-    logStartupStep("first picture made");
+    // Every frame passes here: the start-up's line is looked up once only.
+    static bool madeOnce = false;
+    if (!std::exchange(madeOnce, true))
+        logStartupStep("first picture made");
     currentFrame = videoframe;
     videoWidget->update();
 }
@@ -390,7 +393,9 @@ void MainWindow::renderFrame(QPainter &painter)
         painter.drawImage(target.topLeft(), picture.image);
     else
         painter.drawImage(target, picture.image, picture.image.rect());
-    logStartupStep("first picture painted");
+    static bool paintedOnce = false;
+    if (!std::exchange(paintedOnce, true))
+        logStartupStep("first picture painted");
 }
 
 void MainWindow::logFrameStatistics()
