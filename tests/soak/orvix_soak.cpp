@@ -7,7 +7,8 @@
 // opens, and the log holds no warning beyond the designed ones. It also
 // prints how old the live frames were when shown, first minutes against
 // last: a view that falls behind over hours shows there.
-// Usage: orvix_soak [minutes, default 30]. The test run has a 2.5-minute one.
+// Usage: orvix_soak [minutes, default 30] [log file limit in kB, default the
+// program's]. The test run has a 2.5-minute one.
 #include <algorithm>
 #include <atomic>
 #include <cstdio>
@@ -34,6 +35,7 @@
 #include <QTest>
 #include <QTimer>
 
+#include "app/logfile.h"
 #include "app/memorytuning.h"
 #include "app/settingskeys.h"
 #include "eventloop.h"
@@ -50,6 +52,7 @@ QStringList warnings;
 // Sources Qt's recorder stopped at a file's start, set going again by the
 // recording's safety net: each one cost the start of a file's sound.
 std::atomic<int> revivals { 0 };
+std::atomic<qint64> linesLogged { 0 };
 QtMessageHandler previousHandler = nullptr;
 QElapsedTimer soakClock;
 
@@ -99,8 +102,11 @@ void phase(const char *name)
 // per camera, by design; everything else is a finding.
 void collect(QtMsgType type, const QMessageLogContext &context, const QString &text)
 {
-    if (qstrcmp(context.category, "orvix.perf") == 0 && takeViewPeriod(text))
+    ++linesLogged;
+    if (qstrcmp(context.category, "orvix.perf") == 0 && takeViewPeriod(text)) {
+        previousHandler(type, context, text);
         return;
+    }
     if (text.contains(QLatin1String("going again")))
         ++revivals;
     else if (type != QtDebugMsg && type != QtInfoMsg && !text.contains(QLatin1String("No such signal"))
@@ -209,6 +215,18 @@ int main(int argc, char *argv[])
     QApplication app(argc, argv);
     QCoreApplication::setOrganizationName(QStringLiteral("Kelvane"));
     QCoreApplication::setApplicationName(QStringLiteral("Orvix"));
+    // The program's log as main() keeps it, its bound judged at the end;
+    // the soak's own collector looks at every line first, then hands it on.
+    qInstallMessageHandler(previousHandler);
+    // A small file limit makes a short soak rotate its log many times.
+    LogFile::Limits logLimits;
+    if (argc > 2)
+        logLimits.fileBytes = QByteArray(argv[2]).toLongLong() * 1024;
+    if (!LogFile::install(logLimits)) {
+        std::fprintf(stderr, "the log could not be written: %s\n", qPrintable(LogFile::path()));
+        return 2;
+    }
+    previousHandler = qInstallMessageHandler(collect);
     const double minutes = argc > 1 ? QByteArray(argv[1]).toDouble() : 30;
     QLoggingCategory::setFilterRules(QStringLiteral("orvix.perf.info=true"));
     // backtrace() loads its unwinder on first use: not in the handler.
@@ -355,6 +373,35 @@ int main(int argc, char *argv[])
     for (const QString &warning : warned)
         std::printf("warning: %s\n", qPrintable(warning));
 
+    // The log's bound: each file within its limit, no more old files than
+    // kept, and the newest lines (the last stop's) still there.
+    qInfo("soak: the last line");
+    qint64 logBytes = 0, largestLog = 0;
+    int logFiles = 0, brokenLines = 0;
+    const QDir logDir(LogFile::folder());
+    static const QRegularExpression wholeLine(QStringLiteral(R"(^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3} [DIWCF] \[)"));
+    for (const QFileInfo &file : logDir.entryInfoList({ QStringLiteral("orvix.log*") }, QDir::Files)) {
+        ++logFiles;
+        logBytes += file.size();
+        largestLog = qMax(largestLog, file.size());
+        QFile text(file.filePath());
+        text.open(QIODevice::ReadOnly);
+        const QByteArray all = text.readAll();
+        // A message may span lines; each file still starts with a whole line
+        // and ends with one.
+        if (!all.endsWith('\n') || !wholeLine.match(QString::fromUtf8(all.left(40))).hasMatch())
+            ++brokenLines;
+    }
+    QFile newestLog(LogFile::path());
+    newestLog.open(QIODevice::ReadOnly);
+    const bool logHasTheEnd = newestLog.readAll().endsWith("soak: the last line\n");
+    const bool logBounded = logHasTheEnd && brokenLines == 0 && logFiles <= logLimits.oldFiles + 1 && largestLog <= logLimits.fileBytes
+            && !QFile::exists(LogFile::path() + QLatin1Char('.') + QString::number(logLimits.oldFiles + 1));
+    std::printf("log: %d files, %.2f MB in all, largest %.3f MB (limit %d files of %.3f MB), %lld lines logged, "
+                "files not starting or ending with a whole line %d, last line %s\n",
+                logFiles, logBytes / 1048576.0, largestLog / 1048576.0, logLimits.oldFiles + 1,
+                logLimits.fileBytes / 1048576.0, linesLogged.load(), brokenLines, logHasTheEnd ? "there" : "missing");
+
     // Growth is judged where the first three samples and the last three are
     // different ones: from six minutes on.
     const bool judged = recorded >= 6;
@@ -362,7 +409,7 @@ int main(int argc, char *argv[])
     const bool steady = !judged
             || (growthMb < 20 && qAbs(last.threads - first.threads) <= 4 && qAbs(last.descriptors - first.descriptors) <= 8);
     const bool passed = steady && movies > 0 && unplayable == 0 && withoutInformation == 0 && unreadable == 0
-            && images.size() >= snapshots && warned.isEmpty() && revivals == 0;
+            && images.size() >= snapshots && warned.isEmpty() && revivals == 0 && logBounded;
     if (judged) {
         printViewAge("first three minutes", 0, 3 * 60000);
         printViewAge("last three minutes", qint64(minutes * 60000) - 3 * 60000, qint64(minutes * 60000));
