@@ -12,6 +12,8 @@ inline const QString storageLocation = QStringLiteral("filePreviewPanel/storageL
 inline const QString sizeLimit = QStringLiteral("runTime/sizeLimit");
 // The pedals' keys, one entry each.
 inline const QString footSwitchGroup = QStringLiteral("footSwitch");
+// The folder (a stick) the last export for teaching went to.
+inline const QString teachingExportFolder = QStringLiteral("teachingExport/folder");
 
 constexpr int defaultMicVolume = 70;
 } // namespace SettingsKeys

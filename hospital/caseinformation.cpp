@@ -1,5 +1,6 @@
 #include "caseinformation.h"
 
+#include <QRegularExpression>
 #include <QSettings>
 #include <QUuid>
 
@@ -27,6 +28,19 @@ void eachValue(CaseInformation &information, Visit visit)
     visit("PerformedProcedureStepUID", information.performedStepUid);
 }
 } // namespace
+
+QStringList CaseInformation::identifyingTexts() const
+{
+    const WorklistEntry &patient = worklist;
+    QStringList texts { patient.patientName, patient.readableName(), patient.patientId, patient.issuerOfPatientId,
+                        patient.accessionNumber, patient.patientBirthDate, studyInstanceUid, seriesInstanceUid,
+                        performedStepUid };
+    static const QRegularExpression between(QStringLiteral(R"([\s,^]+)"));
+    texts += patient.patientName.split(between, Qt::SkipEmptyParts);
+    texts.removeAll(QString());
+    texts.removeDuplicates();
+    return texts;
+}
 
 QVariantMap CaseInformation::toMap() const
 {

@@ -7,6 +7,7 @@
 
 #include <QDateTime>
 #include <QString>
+#include <QStringList>
 #include <QVariantMap>
 
 #include "hospital/dicomnetwork.h"
@@ -34,6 +35,10 @@ struct CaseInformation
     // Written with a recording, or a file recorded before the archive was
     // set up.
     bool isKnown() const { return !studyInstanceUid.isEmpty(); }
+
+    // The patient's and the study's identifiers, for a copy that must not
+    // carry them.
+    QStringList identifyingTexts() const;
 
     QVariantMap toMap() const;
     static CaseInformation fromMap(const QVariantMap &map);

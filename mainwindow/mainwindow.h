@@ -44,6 +44,7 @@ class QDialog;
 class ArchiveQueue;
 class CommitmentListener;
 class HospitalSettingsDialog;
+class TeachingExportDialog;
 class QProgressBar;
 class WorklistDialog;
 class QCamera;
@@ -185,6 +186,8 @@ public slots:
 
     // mainwindow_storage.cpp
     void removeSelectedFile();
+    // Copies for teaching, without the patient.
+    void showTeachingExport();
     void updateStorageRoot();
     void openMoviesFolder();
     void openImagesFolder();
@@ -533,6 +536,8 @@ private:
     QPushButton *movieFolderButton = nullptr;
     QPushButton *imageFolderButton = nullptr;
     QPushButton *removeFileButton = nullptr;
+    QPushButton *exportButton = nullptr;
+    QPointer<TeachingExportDialog> teachingExportDialog;
     QPushButton *storageBrowseButton = nullptr;
 
     // Dialogs, built on first use and kept.

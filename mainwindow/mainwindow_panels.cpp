@@ -383,6 +383,11 @@ void MainWindow::setupFilePreviewPanel()
     title->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     headerLayout->addWidget(title, 0, Qt::AlignVCenter);
     headerLayout->addStretch();
+    exportButton = headerButton(QStringLiteral("FilePreviewExportButton"), tr("Export"),
+                                tr("Copy movies and snapshots for teaching, without the patient"), header);
+    connect(exportButton, &QPushButton::clicked, this, &MainWindow::showTeachingExport);
+    headerLayout->addWidget(exportButton);
+    headerLayout->addSpacing(4);
     removeFileButton = fixedButton(QStringLiteral("FilePreviewRemoveButton"), QSize(23, 23), header);
     removeFileButton->setAttribute(Qt::WA_LayoutUsesWidgetRect);
     auto removeStyle = labelledButton(removeFileButton->objectName(), QStringLiteral("FilePreviewPanel/button_remove"));

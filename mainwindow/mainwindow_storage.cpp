@@ -22,7 +22,10 @@
 #include "hospital/archivequeue.h"
 #include "hospital/spacekeeper.h"
 #include "storage/orvixstoragemodel.h"
+#include "storage/recordinginformation.h"
 #include "storage/storagepaths.h"
+#include "storage/teachingexport.h"
+#include "widgets/teachingexportdialog.h"
 
 namespace {
 void openFolder(const char *caller, const QString &name)
@@ -82,6 +85,62 @@ void MainWindow::removeSelectedFile()
     // The list may have been made again while the question was open (a file
     // deleted or added meanwhile): the item is looked up anew.
     storageModel->removeFileItem(path);
+}
+
+void MainWindow::showTeachingExport()
+{
+    if (teachingExportDialog) {
+        teachingExportDialog->raise();
+        teachingExportDialog->activateWindow();
+        return;
+    }
+    // The files of the storage folder, oldest first; a movie still being
+    // written is not whole yet.
+    const QString root = storageRoot();
+    QList<std::pair<QDateTime, QString>> found;
+    for (const QString &folder : { QStringLiteral("Movie"), QStringLiteral("Image") }) {
+        const QDir dir(StoragePaths::join(root, folder));
+        for (const QFileInfo &file : dir.entryInfoList(QDir::Files)) {
+            const QString path = file.absoluteFilePath();
+            if ((TeachingExport::isMovie(path) || TeachingExport::isPicture(path)) && path != recordingMoviePath
+                && path != finishingMoviePath)
+                found.append({ file.lastModified(), path });
+        }
+    }
+    std::sort(found.begin(), found.end());
+    QStringList files;
+    for (const auto &[time, path] : std::as_const(found))
+        files.append(path);
+    QString selected;
+    const QModelIndex index = thumbnailView->currentIndex();
+    if (index.isValid())
+        selected = storageModel->itemFromIndex(index)
+                           ->data(OrvixStorageModel::informationRole)
+                           .value<OrvixMediaInformation>()
+                           .fileInfo.absoluteFilePath();
+
+    // What names the case, from both information files and from what the
+    // archive's queue knows of the file, also for a snapshot.
+    const auto privateTexts = [queue = QPointer<ArchiveQueue>(archiveQueue)](const QString &path) {
+        QStringList texts;
+        if (TeachingExport::isMovie(path)) {
+            const QString typed = StoragePaths::recordingInformationPath(path);
+            texts += RecordingInformation::read(typed).identifyingTexts();
+            texts += RecordingInformation::read(path + QStringLiteral(".ini")).identifyingTexts();
+            texts += CaseInformation::read(typed).identifyingTexts();
+        }
+        ObjectContext context;
+        if (queue && (queue->context(path, &context) || queue->knownPicture(path, &context))) {
+            texts += context.study.identifyingTexts();
+            texts += RecordingInformation { {}, context.doctor, context.patientName, context.hospital, {} }
+                             .identifyingTexts();
+        }
+        texts.removeDuplicates();
+        return texts;
+    };
+    teachingExportDialog = new TeachingExportDialog(files, selected, privateTexts, this);
+    teachingExportDialog->setAttribute(Qt::WA_DeleteOnClose);
+    teachingExportDialog->open();
 }
 
 void MainWindow::updateStorageRoot()

@@ -1,6 +1,7 @@
 // The information file beside a movie.
 #include "recordinginformation.h"
 
+#include <QRegularExpression>
 #include <QSettings>
 
 namespace {
@@ -36,6 +37,17 @@ RecordingInformation RecordingInformation::read(const QString &path)
 QString RecordingInformation::metaDataComment() const
 {
     return doctor + QLatin1Char('/') + patient + QLatin1Char('/') + hospital + QLatin1Char('/') + comment;
+}
+
+QStringList RecordingInformation::identifyingTexts() const
+{
+    QStringList texts { fileName, doctor, patient, hospital, comment };
+    static const QRegularExpression between(QStringLiteral(R"([\s,^/]+)"));
+    for (const QString &name : { fileName, doctor, patient, hospital })
+        texts += name.split(between, Qt::SkipEmptyParts);
+    texts.removeAll(QString());
+    texts.removeDuplicates();
+    return texts;
 }
 
 bool RecordingInformation::operator==(const RecordingInformation &other) const

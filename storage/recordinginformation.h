@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 struct RecordingInformation
 {
@@ -19,6 +20,10 @@ struct RecordingInformation
 
     // "doctor/patient/hospital/comment", empty fields keeping their slash.
     QString metaDataComment() const;
+
+    // Every text that could tell whose recording it is: the fields, and the
+    // names' parts, as metadata may hold them apart or escaped.
+    QStringList identifyingTexts() const;
 
     bool operator==(const RecordingInformation &other) const;
 };

@@ -1,7 +1,15 @@
 // The storage browser through the real window on an X server: what is
 // recorded and snapped shows up by itself, plays with its sound, shows,
 // has its information edited, and is deleted; bad files and a changed root.
+#include <unistd.h>
+
+#include <QCryptographicHash>
 #include <QDir>
+#include <QDirIterator>
+#include <QLabel>
+#include <QListWidget>
+#include <QProgressBar>
+#include <QRegularExpression>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QListView>
@@ -22,10 +30,13 @@
 #include "app/settingskeys.h"
 #include "mainwindow/mainwindow.h"
 #include "messageboxwatcher.h"
+#include "movieprobe.h"
 #include "orvixtest.h"
 #include "storage/orvixstoragemodel.h"
 #include "storage/recordinginformation.h"
 #include "storage/storagepaths.h"
+#include "storage/teachingexport.h"
+#include "widgets/teachingexportdialog.h"
 #include "widgets/orviximageviewwidget.h"
 #include "widgets/orvixmediaplayerwidget.h"
 
@@ -54,6 +65,62 @@ QStringList fields(MainWindow &window)
     for (int i = 0; i < 5; ++i)
         texts.append(field(window, i));
     return texts;
+}
+
+// What identifies a file's content and its age: an original must keep both.
+QByteArray fingerprint(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    hash.addData(&file);
+    return hash.result().toHex() + ' ' + QByteArray::number(QFileInfo(path).lastModified().toMSecsSinceEpoch());
+}
+
+QString run(const QString &program, const QStringList &arguments)
+{
+    QProcess process;
+    process.start(program, arguments);
+    process.waitForFinished(120000);
+    return QString::fromUtf8(process.readAllStandardOutput()) + QString::fromUtf8(process.readAllStandardError());
+}
+
+// The hash of every packet of every stream, in order: equal means the
+// picture and sound were copied untouched.
+QStringList packetHashes(const QString &movie)
+{
+    QProcess ffmpeg;
+    ffmpeg.start(QStringLiteral("ffmpeg"), { "-v", "error", "-i", movie, "-map", "0", "-c", "copy", "-f", "framemd5", "-" });
+    ffmpeg.waitForFinished(120000);
+    QStringList lines;
+    for (const QString &line : QString::fromUtf8(ffmpeg.readAllStandardOutput()).split(QLatin1Char('\n'))) {
+        if (!line.startsWith(QLatin1Char('#')) && !line.trimmed().isEmpty())
+            lines.append(line);
+    }
+    return lines;
+}
+
+// A camera that writes its own metadata: a comment and an EXIF segment with
+// the case's names, put in after the picture's start.
+void addCameraMetadata(const QString &path, const QByteArray &names)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QByteArray jpeg = file.readAll();
+    file.close();
+    const auto segment = [](char marker, const QByteArray &payload) {
+        const int length = int(payload.size()) + 2;
+        return QByteArray("\xff") + marker + char(length >> 8) + char(length & 0xff) + payload;
+    };
+    jpeg.insert(2, segment(char(0xfe), names) + segment(char(0xe1), QByteArray("Exif\0\0", 6) + names));
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(jpeg);
+}
+
+QStringList filesIn(const QString &folder)
+{
+    return QDir(folder).entryList(QDir::Files | QDir::Hidden | QDir::System, QDir::Name);
 }
 
 // A double click on the file's thumbnail, as the user opens it.
@@ -386,6 +453,185 @@ private slots:
         keepShot(view, QStringLiteral("split-recording"));
         QVERIFY2(model->rowCount() >= 4, qPrintable(QString::number(model->rowCount())));
         verifyCells(view);
+    }
+
+    // Copies for teaching: the case is in the movie's name, its information
+    // files, its metadata, a second movie's XMP, handler names and coded
+    // picture, and a snapshot's comment and EXIF. None of it may leave.
+    void exportForTeaching()
+    {
+        const QString cases = devices.makeStorageRoot(QStringLiteral("teaching"));
+        MainWindow window;
+        window.resize(1280, 720);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QTRY_VERIFY_WITH_TIMEOUT(window.isCameraLive(), 10000);
+        QTest::qWait(1500);
+        const QStringList typed { "Müller Anna P-0042", "Dr. Weber", "Müller^Anna", "St. Elisabeth", "P-0042 left knee" };
+        for (int i = 0; i < 5; ++i)
+            setField(window, i, typed[i]);
+        window.captureVideo();
+        QTest::qWait(1500);
+        window.captureStillImage();
+        QTest::qWait(2000);
+        window.captureVideo();
+        QTRY_VERIFY_WITH_TIMEOUT(window.currentRecorder()->recorderState() == QMediaRecorder::StoppedState
+                                         && window.recordingFile().isEmpty(), 10000);
+        const QString movieFolder = cases + QStringLiteral("Movie/");
+        const QString movie = movieFolder + QDir(movieFolder).entryList({ "Müller*.mp4" }).value(0);
+        const QString snapshot = cases + QStringLiteral("Image/") + QDir(cases + QStringLiteral("Image")).entryList({ "*.jpg" }).value(0);
+        QVERIFY2(QFileInfo(movie).size() > 100000 && QFileInfo(snapshot).size() > 10000, qPrintable(movie + " " + snapshot));
+        QVERIFY(run(QStringLiteral("ffprobe"), { "-v", "error", "-show_entries", "format_tags", movie }).contains("Müller^Anna"));
+        addCameraMetadata(snapshot, "Müller^Anna P-0042 St. Elisabeth");
+
+        // Over 50 MB, made by another program: its metadata in its own
+        // places, the patient also in the tracks' handler names.
+        const QString large = movieFolder + QStringLiteral("Müller Anna long_261120_101500.mp4");
+        const int loops = int(55 * 1024 * 1024 / QFileInfo(movie).size());
+        run(QStringLiteral("ffmpeg"), { "-v", "error", "-stream_loop", QString::number(loops), "-i", movie, "-map", "0",
+                                        "-c", "copy", "-metadata", "title=Müller^Anna", "-metadata", "artist=Dr. Weber",
+                                        "-metadata", "comment=P-0042 St. Elisabeth", "-metadata:s:v",
+                                        "handler_name=Müller^Anna", "-metadata:s:a", "handler_name=P-0042", large });
+        QVERIFY2(QFileInfo(large).size() > 50 * 1024 * 1024, qPrintable(QString::number(QFileInfo(large).size())));
+        // The patient written into the coded picture itself (an encoder's
+        // user data): no cleaning reaches there, the last guard must.
+        const QString coded = movieFolder + QStringLiteral("coded_261120_111500.mp4");
+        run(QStringLiteral("ffmpeg"), { "-v", "error", "-i", movie, "-map", "0", "-c", "copy", "-bsf:v",
+                                        "h264_metadata=sei_user_data=086f3693-b7b3-4f2c-9653-21492feee5b8+Müller^Anna", coded });
+        QVERIFY(QFileInfo(coded).size() > 0);
+        RecordingInformation { "coded", QString(), "Müller^Anna", QString(), QString() }.write(
+                StoragePaths::recordingInformationPath(coded));
+        QHash<QString, QByteArray> originals;
+        for (const QString &folder : { movieFolder, cases + QStringLiteral("Image/") })
+            for (const QString &name : filesIn(folder))
+                originals.insert(folder + name, fingerprint(folder + name));
+
+        // The dialog, from the browser's button, the snapshot selected there.
+        auto *view = window.findChild<QListView *>(QStringLiteral("ThumbnailView"));
+        auto *model = qobject_cast<OrvixStorageModel *>(view->model());
+        QTRY_VERIFY_WITH_TIMEOUT(model->itemForName(QFileInfo(snapshot).fileName()), 5000);
+        view->setCurrentIndex(model->itemForName(QFileInfo(snapshot).fileName())->index());
+        QTest::mouseClick(window.findChild<QPushButton *>(QStringLiteral("FilePreviewExportButton")), Qt::LeftButton);
+        TeachingExportDialog *dialog = nullptr;
+        QTRY_VERIFY((dialog = window.findChild<TeachingExportDialog *>()) && dialog->isVisible());
+        auto *list = dialog->findChild<QListWidget *>(QStringLiteral("ExportFileList"));
+        auto *folderEdit = dialog->findChild<QLineEdit *>(QStringLiteral("ExportFolderEdit"));
+        auto *start = dialog->findChild<QPushButton *>(QStringLiteral("ExportStartButton"));
+        auto *status = dialog->findChild<QLabel *>(QStringLiteral("ExportStatusLabel"));
+        auto *progress = dialog->findChild<QProgressBar *>(QStringLiteral("ExportProgressBar"));
+        QCOMPARE(list->count(), 4);
+        const auto check = [&](const QStringList &paths) {
+            for (int row = 0; row < list->count(); ++row)
+                list->item(row)->setCheckState(paths.contains(list->item(row)->data(Qt::UserRole).toString())
+                                                       ? Qt::Checked : Qt::Unchecked);
+        };
+        const auto checked = [&] {
+            QStringList paths;
+            for (int row = 0; row < list->count(); ++row)
+                if (list->item(row)->checkState() == Qt::Checked)
+                    paths.append(list->item(row)->data(Qt::UserRole).toString());
+            return paths;
+        };
+        QCOMPARE(checked(), QStringList(snapshot));
+        int largestProgress = 0;
+        connect(progress, &QProgressBar::valueChanged, this, [&](int value) { largestProgress = qMax(largestProgress, value); });
+        const auto exportTo = [&](const QString &folder) {
+            folderEdit->setText(folder);
+            QTest::mouseClick(start, Qt::LeftButton);
+            if (!QTest::qWaitFor([&] { return start->isEnabled() && !dialog->running(); }, 60000))
+                return QStringLiteral("the export did not end within a minute");
+            return status->text();
+        };
+
+        const QString stick = devices.home() + QStringLiteral("/stick");
+        QVERIFY(QDir().mkpath(stick));
+        check({ movie, large, snapshot });
+        QString said = exportTo(stick);
+        QVERIFY2(said.startsWith(QStringLiteral("3 file(s) exported")), qPrintable(said));
+        QVERIFY(largestProgress > 0);
+        const QStringList exported = filesIn(stick);
+        QCOMPARE(exported.size(), 3);
+        static const QRegularExpression neutral(QStringLiteral(R"(^\d{4}-\d\d-\d\d_\d{3}\.(mp4|jpg)$)"));
+        for (const QString &name : exported)
+            QVERIFY2(neutral.match(name).hasMatch(), qPrintable(name));
+        QVERIFY(exported.contains(QStringLiteral("2026-11-20_001.mp4")));
+        for (const QString &name : exported) {
+            QFile file(stick + QLatin1Char('/') + name);
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            const QByteArray bytes = file.readAll();
+            for (const char *text : { "Müller", "P-0042", "St. Elisabeth", "Elisabeth", "Dr. Weber", "left knee" })
+                QVERIFY2(!bytes.contains(text), qPrintable(name + QStringLiteral(" holds ") + QString::fromUtf8(text)));
+        }
+        for (const QString &name : exported) {
+            const QString copy = stick + QLatin1Char('/') + name;
+            if (name.endsWith(QLatin1String(".jpg"))) {
+                QCOMPARE(QImage(copy), QImage(snapshot));
+                continue;
+            }
+            const QString tags = run(QStringLiteral("ffprobe"), { "-v", "error", "-show_entries", "format_tags:stream_tags", copy });
+            QVERIFY2(!tags.contains("Müller") && !tags.contains("P-0042") && !tags.contains("Weber"), qPrintable(tags));
+            const QString original = name.startsWith(QLatin1String("2026-11-20")) ? large : movie;
+            const QStringList packets = packetHashes(copy);
+            QVERIFY(packets.size() > 100);
+            QCOMPARE(packets, packetHashes(original));
+            const MovieProbe probe = MovieProbe::probe(copy);
+            QVERIFY2(probe.opened && probe.decodeErrors.isEmpty(), qPrintable(probe.describe()));
+        }
+
+        // The guard: the coded picture names the patient; nothing of it is
+        // left, and the files before it were exported.
+        check({ snapshot, coded });
+        said = exportTo(stick);
+        QVERIFY2(said.contains(QStringLiteral("still held \"Müller^Anna\"")) && said.contains(QStringLiteral("1 file(s) had been")),
+                 qPrintable(said));
+        QCOMPARE(filesIn(stick).size(), 4);
+        QVERIFY2(filesIn(stick).contains(QStringLiteral("2026-11-26_003.jpg")), qPrintable(filesIn(stick).join(' ')));
+
+        // A stick of 50 MB: the large movie does not fit; said before a
+        // byte is written.
+        const QString small = devices.home() + QStringLiteral("/small-stick");
+        QVERIFY(QDir().mkpath(small));
+        if (QProcess::execute(QStringLiteral("mount"), { "-t", "tmpfs", "-o", "size=50m", "tmpfs", small }) != 0) {
+            if (getuid() == 0)
+                QFAIL("cannot mount a small file system, though running as root");
+            QSKIP("cannot mount a small file system here (needs root)");
+        }
+        auto unmount = qScopeGuard([&] { QProcess::execute(QStringLiteral("umount"), { small }); });
+        check({ large });
+        said = exportTo(small);
+        QVERIFY2(said.contains(QStringLiteral("but %1 has only").arg(small)) && said.contains(QStringLiteral("Nothing was exported")),
+                 qPrintable(said));
+        QCOMPARE(filesIn(small), QStringList());
+        // Full while it is written: the room is taken after the check.
+        {
+            TeachingExport::Exporter exporter;
+            QString error;
+            bool filled = false;
+            connect(&exporter, &TeachingExport::Exporter::progressed, this, [&] {
+                if (!filled) {
+                    filled = true;
+                    QFile filler(small + QStringLiteral("/filler"));
+                    filler.open(QIODevice::WriteOnly);
+                    while (filler.write(QByteArray(1024 * 1024, 'x')) > 0) { }
+                }
+            }, Qt::DirectConnection);
+            connect(&exporter, &TeachingExport::Exporter::finished, this, [&](int, const QString &why) { error = why; });
+            exporter.run({ { movie, {} } }, small);
+            QVERIFY2(error.startsWith(QStringLiteral("%1 is full").arg(small)), qPrintable(error));
+            QCOMPARE(filesIn(small), QStringList(QStringLiteral("filler")));
+        }
+        // A stick pulled before the export.
+        unmount.dismiss();
+        QProcess::execute(QStringLiteral("umount"), { small });
+        QVERIFY(QDir(small).removeRecursively());
+        check({ snapshot });
+        said = exportTo(small);
+        QVERIFY2(said.contains(QStringLiteral("is not there")), qPrintable(said));
+
+        // The originals, their information files included, as they were.
+        for (auto it = originals.cbegin(); it != originals.cend(); ++it)
+            QVERIFY2(fingerprint(it.key()) == it.value(), qPrintable(it.key()));
+        dialog->close();
     }
 
 private:
