@@ -11,6 +11,7 @@
 #include "app/quitonsignal.h"
 #include "app/startupgeometry.h"
 #include "app/storagefolders.h"
+#include "app/translations.h"
 #include "mainwindow/mainwindow.h"
 #include "tasks/orvixtaskscheduler.h"
 
@@ -32,6 +33,7 @@ int main(int argc, char *argv[])
     OrvixSingleApplication app(singleInstanceId, argc, argv);
     if (app.sendMessage(QStringLiteral("Wake up!"), 5000))
         return 0;
+    Translations::install(&app);
 
     logStartupStep("single instance checked");
     MainWindow window;

@@ -3,6 +3,7 @@
 
 #include <QDir>
 #include <QMessageBox>
+#include <QCoreApplication>
 #include <QSettings>
 #include <QStandardPaths>
 #include <QStorageInfo>
@@ -34,11 +35,11 @@ bool initialize()
     const QString image = StoragePaths::join(base, QStringLiteral("Image"));
 
     if (!QDir().mkpath(movie)) {
-        tellUser(QStringLiteral("Could not create default movie folder."));
+        tellUser(QCoreApplication::translate("MainWindow", "Could not create default movie folder."));
         return false;
     }
     if (!QDir().mkpath(image)) {
-        tellUser(QStringLiteral("Could not create default image folder."));
+        tellUser(QCoreApplication::translate("MainWindow", "Could not create default image folder."));
         return false;
     }
     settings.setValue(SettingsKeys::storageLocation, base);

@@ -1,5 +1,6 @@
 #include "archivequeue.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -148,7 +149,7 @@ private:
     {
         if (!QFile::exists(file)) {
             *outcome = { StoreOutcome::Kind::Lasting,
-                         QStringLiteral("%1 is no longer on the disk.").arg(QDir::toNativeSeparators(file)) };
+                         QCoreApplication::translate("ArchiveQueue", "%1 is no longer on the disk.").arg(QDir::toNativeSeparators(file)) };
             return false;
         }
         // A copy must never take the room a recording on the same disk
@@ -157,7 +158,7 @@ private:
         const qint64 needed = QFileInfo(file).size() + ArchiveQueue::spareBytes();
         if (volume.isValid() && volume.bytesAvailable() < needed) {
             *outcome = { StoreOutcome::Kind::Transient,
-                         QStringLiteral("The disk of %1 has too little room to prepare %2 for the archive (%3 MB "
+                         QCoreApplication::translate("ArchiveQueue", "The disk of %1 has too little room to prepare %2 for the archive (%3 MB "
                                         "free, %4 MB needed); it waits until there is room.")
                                  .arg(QDir::toNativeSeparators(volume.rootPath()), QFileInfo(file).fileName())
                                  .arg(volume.bytesAvailable() >> 20)
@@ -167,7 +168,7 @@ private:
         const QString partial = objectFile + QStringLiteral(".part");
         QString error = DicomObjects::write(file, context, partial);
         if (error.isEmpty() && (!syncToDisk(partial) || !QFile::rename(partial, objectFile)))
-            error = QStringLiteral("the outbox cannot be written");
+            error = QCoreApplication::translate("ArchiveQueue", "the outbox cannot be written");
         if (!error.isEmpty()) {
             QFile::remove(partial);
             *outcome = { StoreOutcome::Kind::Lasting, error };

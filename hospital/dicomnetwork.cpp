@@ -1,5 +1,6 @@
 #include "dicomnetwork.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 
 #include <dcmtk/config/osconfig.h>
@@ -36,24 +37,24 @@ QString describe(const DicomNode &node, const OFCondition &condition, int timeou
 {
     const QString detail = QString::fromLocal8Bit(condition.text());
     if (condition == DUL_ASSOCIATIONREJECTED)
-        return QStringLiteral("%1 refused the connection of this station (\"%2\") to \"%3\": check both AE titles "
+        return QCoreApplication::translate("DicomNetwork", "%1 refused the connection of this station (\"%2\") to \"%3\": check both AE titles "
                               "and that the archive knows this station.")
             .arg(node.display(), node.ownAeTitle, node.calledAeTitle);
     if (detail.contains(QLatin1String("refused"), Qt::CaseInsensitive))
-        return QStringLiteral("Nothing answers at %1:%2: check the host and the port, and that the service is running.")
+        return QCoreApplication::translate("DicomNetwork", "Nothing answers at %1:%2: check the host and the port, and that the service is running.")
             .arg(node.host)
             .arg(node.port);
     if (detail.contains(QLatin1String("timed out"), Qt::CaseInsensitive)
         || detail.contains(QLatin1String("timeout"), Qt::CaseInsensitive))
-        return QStringLiteral("%1 did not answer within %2 s: check the host, the network and the firewall.")
+        return QCoreApplication::translate("DicomNetwork", "%1 did not answer within %2 s: check the host, the network and the firewall.")
             .arg(node.display())
             .arg(timeoutSeconds);
     if (detail.contains(QLatin1String("host"), Qt::CaseInsensitive)
         && (detail.contains(QLatin1String("unknown"), Qt::CaseInsensitive)
             || detail.contains(QLatin1String("not found"), Qt::CaseInsensitive)
             || detail.contains(QLatin1String("lookup"), Qt::CaseInsensitive)))
-        return QStringLiteral("The host \"%1\" is not known on this network.").arg(node.host);
-    return QStringLiteral("%1 could not be reached: %2").arg(node.display(), detail);
+        return QCoreApplication::translate("DicomNetwork", "The host \"%1\" is not known on this network.").arg(node.host);
+    return QCoreApplication::translate("DicomNetwork", "%1 could not be reached: %2").arg(node.display(), detail);
 }
 
 // Tells how far a send has got.
@@ -165,7 +166,7 @@ public:
                                      const char *transferSyntax = nullptr)
     {
         if (!node.isComplete()) {
-            *error = QStringLiteral("Not set up completely: this station's AE title, the called AE title, the host "
+            *error = QCoreApplication::translate("DicomNetwork", "Not set up completely: this station's AE title, the called AE title, the host "
                                     "and the port are all needed.");
             return 0;
         }
@@ -182,7 +183,7 @@ public:
             condition = scu.negotiateAssociation();
         if (condition == NET_EC_NoAcceptablePresentationContexts) {
             // It answered, and takes nothing of what was offered.
-            *error = QStringLiteral("%1 answered but does not offer %2.").arg(node.display(), what);
+            *error = QCoreApplication::translate("DicomNetwork", "%1 answered but does not offer %2.").arg(node.display(), what);
             refusal = true;
             return 0;
         }
@@ -194,7 +195,7 @@ public:
         }
         const T_ASC_PresentationContextID id = scu.findPresentationContextID(abstractSyntax, transferSyntax ? transferSyntax : "");
         if (id == 0) {
-            *error = QStringLiteral("%1 answered but does not offer %2.").arg(node.display(), what);
+            *error = QCoreApplication::translate("DicomNetwork", "%1 answered but does not offer %2.").arg(node.display(), what);
             refusal = true;
         }
         return id;
@@ -273,7 +274,7 @@ QString echo(const DicomNode &node, int timeoutSeconds)
 {
     Association association(node, timeoutSeconds);
     QString error;
-    const T_ASC_PresentationContextID id = association.open(UID_VerificationSOPClass, QStringLiteral("verification (C-ECHO)"), &error);
+    const T_ASC_PresentationContextID id = association.open(UID_VerificationSOPClass, QCoreApplication::translate("DicomNetwork", "verification (C-ECHO)"), &error);
     if (id == 0)
         return error;
     const OFCondition condition = association.scu.sendECHORequest(id);
@@ -290,7 +291,7 @@ QList<WorklistEntry> findWorklist(const DicomNode &node, const WorklistQuery &qu
     QList<WorklistEntry> entries;
     Association association(node, timeoutSeconds);
     const T_ASC_PresentationContextID id =
-        association.open(UID_FINDModalityWorklistInformationModel, QStringLiteral("the modality worklist"), error);
+        association.open(UID_FINDModalityWorklistInformationModel, QCoreApplication::translate("DicomNetwork", "the modality worklist"), error);
     if (id == 0)
         return entries;
 
@@ -365,12 +366,12 @@ QList<WorklistEntry> findWorklist(const DicomNode &node, const WorklistQuery &qu
         *error = describe(node, condition, timeoutSeconds);
         entries.clear();
     } else if (finalStatus != STATUS_Success) {
-        *error = QStringLiteral("%1 did not answer the worklist query (status 0x%2).")
+        *error = QCoreApplication::translate("DicomNetwork", "%1 did not answer the worklist query (status 0x%2).")
                      .arg(node.display())
                      .arg(finalStatus, 4, 16, QLatin1Char('0'));
         entries.clear();
     } else if (unreadable > 0) {
-        *error = QStringLiteral("%1 of the answers are written in a character set this station cannot read (\"%2\") "
+        *error = QCoreApplication::translate("DicomNetwork", "%1 of the answers are written in a character set this station cannot read (\"%2\") "
                                 "and are not shown. Ask the hospital's IT to check the worklist's character set.")
                      .arg(unreadable)
                      .arg(unreadableCharacterSet);
@@ -386,33 +387,33 @@ QString storeStatusText(quint16 status)
     const QString code = QStringLiteral("status 0x%1").arg(status, 4, 16, QLatin1Char('0'));
     QString words;
     if (status == 0x0001 || status == 0x0107)
-        words = QStringLiteral("some attributes of the object were not taken");
+        words = QCoreApplication::translate("DicomNetwork", "some attributes of the object were not taken");
     else if (status == 0x0116)
-        words = QStringLiteral("a value of the object was out of range");
+        words = QCoreApplication::translate("DicomNetwork", "a value of the object was out of range");
     else if (status == 0xb000)
-        words = QStringLiteral("the archive changed some values of the object");
+        words = QCoreApplication::translate("DicomNetwork", "the archive changed some values of the object");
     else if (status == 0xb006)
-        words = QStringLiteral("the archive left some elements of the object out");
+        words = QCoreApplication::translate("DicomNetwork", "the archive left some elements of the object out");
     else if (status == 0xb007)
-        words = QStringLiteral("the object does not match its kind as the archive knows it");
+        words = QCoreApplication::translate("DicomNetwork", "the object does not match its kind as the archive knows it");
     else if ((status & 0xf000) == 0xb000)
-        words = QStringLiteral("the archive stored it with a warning");
+        words = QCoreApplication::translate("DicomNetwork", "the archive stored it with a warning");
     else if ((status & 0xff00) == 0xa700)
-        words = QStringLiteral("the archive is out of resources (full, or busy)");
+        words = QCoreApplication::translate("DicomNetwork", "the archive is out of resources (full, or busy)");
     else if ((status & 0xff00) == 0xa900)
-        words = QStringLiteral("the archive says the object does not match its kind");
+        words = QCoreApplication::translate("DicomNetwork", "the archive says the object does not match its kind");
     else if ((status & 0xf000) == 0xc000)
-        words = QStringLiteral("the archive cannot understand the object, or refused it");
+        words = QCoreApplication::translate("DicomNetwork", "the archive cannot understand the object, or refused it");
     else if (status == 0x0122)
-        words = QStringLiteral("the archive does not take this kind of object");
+        words = QCoreApplication::translate("DicomNetwork", "the archive does not take this kind of object");
     else if (status == 0x0124)
-        words = QStringLiteral("this station is not allowed to store there");
+        words = QCoreApplication::translate("DicomNetwork", "this station is not allowed to store there");
     else if (status == 0x0111)
-        words = QStringLiteral("the archive already has this object");
+        words = QCoreApplication::translate("DicomNetwork", "the archive already has this object");
     else if (status == 0x0110)
-        words = QStringLiteral("the archive failed while processing the object");
+        words = QCoreApplication::translate("DicomNetwork", "the archive failed while processing the object");
     else
-        words = QStringLiteral("the archive refused the object");
+        words = QCoreApplication::translate("DicomNetwork", "the archive refused the object");
     return QStringLiteral("%1 (%2)").arg(words, code);
 }
 
@@ -430,7 +431,7 @@ StoreOutcome store(const DicomNode &node, const QString &dicomFile, const std::f
     file.getMetaInfo()->findAndGetOFString(DCM_TransferSyntaxUID, transferSyntax);
     if (condition.bad() || sopClass.empty() || transferSyntax.empty())
         return { Kind::Unreadable,
-                 QStringLiteral("%1 cannot be read: %2").arg(dicomFile, QString::fromLocal8Bit(condition.text())) };
+                 QCoreApplication::translate("DicomNetwork", "%1 cannot be read: %2").arg(dicomFile, QString::fromLocal8Bit(condition.text())) };
 
     Association association(node, timeoutSeconds);
     // An archive answers a store once the object is on its disk: a large
@@ -440,7 +441,7 @@ StoreOutcome store(const DicomNode &node, const QString &dicomFile, const std::f
     association.scu.progress = progress;
     return exchange(
         association, node, sopClass.c_str(),
-        QStringLiteral("storage of this kind of object in this transfer syntax (%1)").arg(transferSyntax.c_str()),
+        QCoreApplication::translate("DicomNetwork", "storage of this kind of object in this transfer syntax (%1)").arg(transferSyntax.c_str()),
         transferSyntax.c_str(), answerSeconds,
         [&dicomFile](ReportingScu &scu, T_ASC_PresentationContextID id, Uint16 &status) {
             return scu.sendSTORERequest(id, dicomFile.toLocal8Bit().constData(), nullptr, status);
@@ -469,23 +470,23 @@ QString normalizedStatusText(quint16 status)
     const QString code = QStringLiteral("status 0x%1").arg(status, 4, 16, QLatin1Char('0'));
     QString words;
     if (status == 0x0106 || status == 0x0116)
-        words = QStringLiteral("a value was not accepted");
+        words = QCoreApplication::translate("DicomNetwork", "a value was not accepted");
     else if (status == 0x0120 || status == 0x0121)
-        words = QStringLiteral("a required value was missing");
+        words = QCoreApplication::translate("DicomNetwork", "a required value was missing");
     else if (status == 0x0111)
-        words = QStringLiteral("it already has this step");
+        words = QCoreApplication::translate("DicomNetwork", "it already has this step");
     else if (status == 0x0112)
-        words = QStringLiteral("it does not know this step");
+        words = QCoreApplication::translate("DicomNetwork", "it does not know this step");
     else if (status == 0xa710)
-        words = QStringLiteral("the step was already ended");
+        words = QCoreApplication::translate("DicomNetwork", "the step was already ended");
     else if (status == 0x0213)
-        words = QStringLiteral("it is out of resources");
+        words = QCoreApplication::translate("DicomNetwork", "it is out of resources");
     else if (status == 0x0124)
-        words = QStringLiteral("this station is not allowed to report there");
+        words = QCoreApplication::translate("DicomNetwork", "this station is not allowed to report there");
     else if (DICOM_WARNING_STATUS(status))
-        words = QStringLiteral("it took it with a warning");
+        words = QCoreApplication::translate("DicomNetwork", "it took it with a warning");
     else
-        words = QStringLiteral("it refused it");
+        words = QCoreApplication::translate("DicomNetwork", "it refused it");
     return QStringLiteral("%1 (%2)").arg(words, code);
 }
 } // namespace
@@ -509,7 +510,7 @@ StoreOutcome startPerformedStep(const DicomNode &node, const PerformedStep &step
     DcmDataset dataset;
     step.fillStart(&dataset);
     return sendRequest(
-        node, UID_ModalityPerformedProcedureStepSOPClass, QStringLiteral("performed procedure steps (MPPS)"),
+        node, UID_ModalityPerformedProcedureStepSOPClass, QCoreApplication::translate("DicomNetwork", "performed procedure steps (MPPS)"),
         timeoutSeconds,
         [&](ReportingScu &scu, T_ASC_PresentationContextID id, Uint16 &status) {
             return scu.sendNormalized(id, DIMSE_N_CREATE_RQ, step.uid.toStdString().c_str(), &dataset, status);
@@ -523,7 +524,7 @@ StoreOutcome endPerformedStep(const DicomNode &node, const PerformedStep &step, 
     DcmDataset dataset;
     step.fillEnd(&dataset, archiveAeTitle);
     return sendRequest(
-        node, UID_ModalityPerformedProcedureStepSOPClass, QStringLiteral("performed procedure steps (MPPS)"),
+        node, UID_ModalityPerformedProcedureStepSOPClass, QCoreApplication::translate("DicomNetwork", "performed procedure steps (MPPS)"),
         timeoutSeconds,
         [&](ReportingScu &scu, T_ASC_PresentationContextID id, Uint16 &status) {
             return scu.sendNormalized(id, DIMSE_N_SET_RQ, step.uid.toStdString().c_str(), &dataset, status);
@@ -537,7 +538,7 @@ StoreOutcome askCommitment(const DicomNode &node, const QString &transactionUid,
     DcmDataset dataset;
     StorageCommitment::fillRequest(&dataset, transactionUid, objects);
     return sendRequest(
-        node, UID_StorageCommitmentPushModelSOPClass, QStringLiteral("storage commitment"), timeoutSeconds,
+        node, UID_StorageCommitmentPushModelSOPClass, QCoreApplication::translate("DicomNetwork", "storage commitment"), timeoutSeconds,
         [&](ReportingScu &scu, T_ASC_PresentationContextID id, Uint16 &status) {
             // The one well-known instance of the push model; action 1 asks.
             return scu.sendACTIONRequest(id, UID_StorageCommitmentPushModelSOPInstance, 1, &dataset, status);

@@ -1,5 +1,6 @@
 #include "dicomobjects.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 #include <QtEndian>
@@ -122,7 +123,7 @@ QString picture(const QString &recordedFile, const ObjectContext &context, const
     if (condition.good() && converted)
         condition = converter.updateLossyCompressionInfo(&source, 1, converted);
     if (condition.bad() || !converted)
-        return QStringLiteral("%1 is not a JPEG picture the archive can take: %2")
+        return QCoreApplication::translate("DicomObjects", "%1 is not a JPEG picture the archive can take: %2")
             .arg(QFileInfo(recordedFile).fileName(), QString::fromLocal8Bit(condition.text()));
     DcmFileFormat file(converted);
     delete converted;
@@ -156,7 +157,7 @@ QString movie(const QString &recordedFile, const ObjectContext &context, const Q
 {
     const Mp4Summary summary = Mp4Summary::read(recordedFile);
     if (!summary.valid || summary.videoFrames <= 0)
-        return QStringLiteral("%1 holds no picture the archive can take (%2)")
+        return QCoreApplication::translate("DicomObjects", "%1 holds no picture the archive can take (%2)")
             .arg(QFileInfo(recordedFile).fileName(), summary.error);
     QString why;
     const QString syntax = DicomObjects::movieTransferSyntax(recordedFile, &why);
@@ -167,7 +168,7 @@ QString movie(const QString &recordedFile, const ObjectContext &context, const Q
         return source.errorString();
     const qint64 size = source.size();
     if (size > DicomObjects::largestMovie())
-        return QStringLiteral("%1 is larger than one archive object can hold (%2 MB). Recordings made while "
+        return QCoreApplication::translate("DicomObjects", "%1 is larger than one archive object can hold (%2 MB). Recordings made while "
                               "automatic sending is on are split before that size.")
                 .arg(QFileInfo(recordedFile).fileName())
                 .arg(DicomObjects::largestMovie() >> 20);
@@ -263,13 +264,13 @@ QString movieTransferSyntax(const QString &recordedFile, QString *why)
     const Mp4Summary summary = Mp4Summary::read(recordedFile);
     const QString name = QFileInfo(recordedFile).fileName();
     if (summary.videoCodec != QLatin1String("avc1") && summary.videoCodec != QLatin1String("avc3")) {
-        *why = QStringLiteral("%1 is not an H.264 movie (its picture is \"%2\"), which the archive cannot take.")
+        *why = QCoreApplication::translate("DicomObjects", "%1 is not an H.264 movie (its picture is \"%2\"), which the archive cannot take.")
                    .arg(name, summary.videoCodec.isEmpty() ? QStringLiteral("unknown") : summary.videoCodec);
         return QString();
     }
     constexpr int high = 100;
     if (summary.avcProfile != high) {
-        *why = QStringLiteral("%1 is H.264 of profile %2, not High Profile, which the archive cannot take.")
+        *why = QCoreApplication::translate("DicomObjects", "%1 is H.264 of profile %2, not High Profile, which the archive cannot take.")
                    .arg(name)
                    .arg(summary.avcProfile);
         return QString();
@@ -278,7 +279,7 @@ QString movieTransferSyntax(const QString &recordedFile, QString *why)
         return QString::fromLatin1(UID_MPEG4HighProfileLevel4_1TransferSyntax);
     if (summary.avcLevel == 42)
         return QString::fromLatin1(UID_MPEG4HighProfileLevel4_2_For2DVideoTransferSyntax);
-    *why = QStringLiteral("%1 is H.264 at level %2.%3, above the 4.2 an archive can take.")
+    *why = QCoreApplication::translate("DicomObjects", "%1 is H.264 at level %2.%3, above the 4.2 an archive can take.")
                .arg(name)
                .arg(summary.avcLevel / 10)
                .arg(summary.avcLevel % 10);

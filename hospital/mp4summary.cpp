@@ -1,5 +1,6 @@
 #include "mp4summary.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QHash>
 #include <QtEndian>
@@ -264,6 +265,6 @@ Mp4Summary Mp4Summary::read(const QString &path)
         }
     }
     if (!summary.valid)
-        summary.error = QStringLiteral("no picture track in %1").arg(path);
+        summary.error = QCoreApplication::translate("Mp4Summary", "no picture track in %1").arg(path);
     return summary;
 }

@@ -1,5 +1,6 @@
 #include "performedstep.h"
 
+#include <QCoreApplication>
 #include <QJsonArray>
 #include <QMap>
 
@@ -192,12 +193,12 @@ CommitmentReport CommitmentReport::read(DcmItem *dataset)
 {
     CommitmentReport report;
     if (!dataset) {
-        report.problem = QStringLiteral("the report has no data");
+        report.problem = QCoreApplication::translate("PerformedStep", "the report has no data");
         return report;
     }
     report.transactionUid = stringOf(dataset, DCM_TransactionUID);
     if (report.transactionUid.isEmpty())
-        report.problem = QStringLiteral("the report names no transaction");
+        report.problem = QCoreApplication::translate("PerformedStep", "the report names no transaction");
     DcmSequenceOfItems *sequence = nullptr;
     if (dataset->findAndGetSequence(DCM_ReferencedSOPSequence, sequence).good() && sequence) {
         for (unsigned long at = 0; at < sequence->card(); ++at) {
@@ -238,22 +239,22 @@ QString reasonText(quint16 reason)
     QString words;
     switch (reason) {
     case noSuchObject:
-        words = QStringLiteral("the archive does not have it");
+        words = QCoreApplication::translate("PerformedStep", "the archive does not have it");
         break;
     case 0x0119:
-        words = QStringLiteral("the archive holds it as another kind of object");
+        words = QCoreApplication::translate("PerformedStep", "the archive holds it as another kind of object");
         break;
     case 0x0122:
-        words = QStringLiteral("the archive does not keep this kind of object");
+        words = QCoreApplication::translate("PerformedStep", "the archive does not keep this kind of object");
         break;
     case 0x0131:
-        words = QStringLiteral("the archive was asked twice in the same transaction");
+        words = QCoreApplication::translate("PerformedStep", "the archive was asked twice in the same transaction");
         break;
     case 0x0213:
-        words = QStringLiteral("the archive is out of resources");
+        words = QCoreApplication::translate("PerformedStep", "the archive is out of resources");
         break;
     default:
-        words = QStringLiteral("the archive could not process the request");
+        words = QCoreApplication::translate("PerformedStep", "the archive could not process the request");
         break;
     }
     return QStringLiteral("%1 (%2)").arg(words, code);

@@ -28,6 +28,17 @@
 #include "widgets/footswitchdialog.h"
 
 namespace {
+// The designed width, or wider where a label's text needs it (a translated
+// one, mostly): a label cut short names nothing. One width for a column.
+void fitLabels(const QList<QLabel *> &labels, int designedWidth)
+{
+    int width = designedWidth;
+    for (QLabel *label : labels)
+        width = qMax(width, label->sizeHint().width());
+    for (QLabel *label : labels)
+        label->setFixedWidth(width);
+}
+
 struct ColorRow
 {
     const char *label;
@@ -43,17 +54,17 @@ struct ColorRow
 // The order of the rows, and which icon sits left, are as the dialog was
 // first drawn; the lower-case "hue" included.
 const ColorRow colorRows[11] = {
-    { "Brightness", -50, 80, &MainWindow::setBrightness, &PictureAdjustments::brightness, "icon_brightness02", "icon_brightness01", &MainWindow::brightnessClick },
-    { "Contrast", -100, 100, &MainWindow::setContrast, &PictureAdjustments::contrast, "icon_contrast01", "icon_contrast02", &MainWindow::contrastClick },
-    { "hue", 0, 120, &MainWindow::setHue, &PictureAdjustments::hue, "icon_hue01", "icon_hue02", &MainWindow::hueClick },
-    { "Saturation", -100, 50, &MainWindow::setStaturation, &PictureAdjustments::saturation, "icon_saturation01", "icon_saturation02", &MainWindow::staturationClick },
-    { "White Balance", -30, 30, &MainWindow::setWhiteBal, &PictureAdjustments::whiteBalance, "icon_white01", "icon_white02", &MainWindow::whitebalClick },
-    { "Gamma", -100, 100, &MainWindow::setGamma, &PictureAdjustments::gamma, "icon_gamma02", "icon_gamma01", &MainWindow::gammaClick },
-    { "Backlight", -1, 1, &MainWindow::setBacklight, &PictureAdjustments::backlight, "icon_backlight01", "icon_backlight02", &MainWindow::backlightClick },
-    { "Gain", 0, 100, &MainWindow::setGain, &PictureAdjustments::gain, "icon_gain01", "icon_gain02", &MainWindow::gainClick },
-    { "Color Enable", -100, 100, &MainWindow::setColorEnabel, &PictureAdjustments::colorEnable, "icon_color01", "icon_color02", &MainWindow::colorenableClick },
-    { "Sharpness", -100, 100, &MainWindow::setSharpness, &PictureAdjustments::sharpness, "icon_sharpness01", "icon_sharpness02", &MainWindow::sharpnessClick },
-    { "Exposure", -100, 100, &MainWindow::setExposure, &PictureAdjustments::exposure, "icon_exposure01", "icon_exposure02", &MainWindow::exposureClick },
+    { QT_TRANSLATE_NOOP("MainWindow", "Brightness"), -50, 80, &MainWindow::setBrightness, &PictureAdjustments::brightness, "icon_brightness02", "icon_brightness01", &MainWindow::brightnessClick },
+    { QT_TRANSLATE_NOOP("MainWindow", "Contrast"), -100, 100, &MainWindow::setContrast, &PictureAdjustments::contrast, "icon_contrast01", "icon_contrast02", &MainWindow::contrastClick },
+    { QT_TRANSLATE_NOOP("MainWindow", "hue"), 0, 120, &MainWindow::setHue, &PictureAdjustments::hue, "icon_hue01", "icon_hue02", &MainWindow::hueClick },
+    { QT_TRANSLATE_NOOP("MainWindow", "Saturation"), -100, 50, &MainWindow::setStaturation, &PictureAdjustments::saturation, "icon_saturation01", "icon_saturation02", &MainWindow::staturationClick },
+    { QT_TRANSLATE_NOOP("MainWindow", "White Balance"), -30, 30, &MainWindow::setWhiteBal, &PictureAdjustments::whiteBalance, "icon_white01", "icon_white02", &MainWindow::whitebalClick },
+    { QT_TRANSLATE_NOOP("MainWindow", "Gamma"), -100, 100, &MainWindow::setGamma, &PictureAdjustments::gamma, "icon_gamma02", "icon_gamma01", &MainWindow::gammaClick },
+    { QT_TRANSLATE_NOOP("MainWindow", "Backlight"), -1, 1, &MainWindow::setBacklight, &PictureAdjustments::backlight, "icon_backlight01", "icon_backlight02", &MainWindow::backlightClick },
+    { QT_TRANSLATE_NOOP("MainWindow", "Gain"), 0, 100, &MainWindow::setGain, &PictureAdjustments::gain, "icon_gain01", "icon_gain02", &MainWindow::gainClick },
+    { QT_TRANSLATE_NOOP("MainWindow", "Color Enable"), -100, 100, &MainWindow::setColorEnabel, &PictureAdjustments::colorEnable, "icon_color01", "icon_color02", &MainWindow::colorenableClick },
+    { QT_TRANSLATE_NOOP("MainWindow", "Sharpness"), -100, 100, &MainWindow::setSharpness, &PictureAdjustments::sharpness, "icon_sharpness01", "icon_sharpness02", &MainWindow::sharpnessClick },
+    { QT_TRANSLATE_NOOP("MainWindow", "Exposure"), -100, 100, &MainWindow::setExposure, &PictureAdjustments::exposure, "icon_exposure01", "icon_exposure02", &MainWindow::exposureClick },
 };
 
 // The resource paths start ":res/", as they always have.
@@ -112,17 +123,18 @@ void MainWindow::buildColorDialog()
     deviceRecordFrame(colorDialog);
 
     auto *layout = new QVBoxLayout;
+    QList<QLabel *> names;
     for (int i = 0; i < 11; ++i) {
         const ColorRow &row = colorRows[i];
         auto *rowLayout = new QHBoxLayout;
-        auto *name = new QLabel(QString::fromLatin1(row.label));
-        name->setFixedWidth(80);
+        auto *name = new QLabel(tr(row.label));
+        names.append(name);
         auto *slider = new QSlider(Qt::Horizontal);
         slider->setFixedWidth(200);
         slider->setRange(row.minimum, row.maximum);
         slider->setValue(adjustments.*row.value);
         connect(slider, &QSlider::valueChanged, this, row.setter);
-        auto *button = new QPushButton(QStringLiteral("Auto"));
+        auto *button = new QPushButton(tr("Auto"));
         button->setFixedSize(50, 20);
         button->setStyleSheet(autoOffStyle);
         connect(button, &QPushButton::clicked, this, row.autoSlot);
@@ -137,8 +149,9 @@ void MainWindow::buildColorDialog()
     }
 
     auto *powerLine = new QHBoxLayout;
-    auto *powerLabel = new QLabel(QStringLiteral("Power line hz"));
-    powerLabel->setFixedWidth(80);
+    auto *powerLabel = new QLabel(tr("Power line hz"));
+    names.append(powerLabel);
+    fitLabels(names, 80);
     hz50Box = new QCheckBox(QStringLiteral("50Hz"));
     hz60Box = new QCheckBox(QStringLiteral("60Hz"));
     hz50Box->setFixedWidth(100);
@@ -155,8 +168,8 @@ void MainWindow::buildColorDialog()
     layout->addLayout(powerLine);
 
     auto *buttons = new QHBoxLayout;
-    auto *defaults = new QPushButton(QStringLiteral("Default"));
-    auto *close = new QPushButton(QStringLiteral("Close"));
+    auto *defaults = new QPushButton(tr("Default"));
+    auto *close = new QPushButton(tr("Close"));
     defaults->setFixedSize(80, 50);
     close->setFixedSize(80, 50);
     connect(close, &QPushButton::clicked, colorDialog, &QDialog::close);
@@ -252,20 +265,22 @@ void MainWindow::buildDeviceDialog()
 
     // The texts are the ones users have always seen, "LANME" included.
     const std::array<std::pair<QString, QStringList>, 7> rows { {
-            { QStringLiteral("Video Devices"), currentFirst(currentCamera, cameras) },
-            { QStringLiteral("Video Compressor"), { QStringLiteral("H.264(AVC)") } },
-            { QStringLiteral("Audio Compressor"), { QStringLiteral("LANME Audio Encoder") } },
-            { QStringLiteral("Audio Format"), { QStringLiteral("stereo 128kbps MP3") } },
-            { QStringLiteral("Audio Device"), currentFirst(currentMicrophone, microphones) },
-            { QStringLiteral("Bit Rate"), { QStringLiteral("Highest(r=0.14)"), QStringLiteral("High(r=0.11)"), QStringLiteral("Normal(r=0.1085)") } },
-            { QStringLiteral("Frame Rate"), { QStringLiteral("High(30)") } },
+            { tr("Video Devices"), currentFirst(currentCamera, cameras) },
+            { tr("Video Compressor"), { QStringLiteral("H.264(AVC)") } },
+            { tr("Audio Compressor"), { QStringLiteral("LANME Audio Encoder") } },
+            { tr("Audio Format"), { QStringLiteral("stereo 128kbps MP3") } },
+            { tr("Audio Device"), currentFirst(currentMicrophone, microphones) },
+            { tr("Bit Rate"), { QStringLiteral("Highest(r=0.14)"), QStringLiteral("High(r=0.11)"), QStringLiteral("Normal(r=0.1085)") } },
+            { tr("Frame Rate"), { QStringLiteral("High(30)") } },
     } };
 
     auto *layout = new QVBoxLayout;
+    QList<QLabel *> labels;
     for (std::size_t i = 0; i < rows.size(); ++i) {
         auto *rowLayout = new QHBoxLayout;
         auto *label = new QLabel(rows[i].first);
-        label->setFixedSize(100, 25);
+        label->setFixedHeight(25);
+        labels.append(label);
         auto *combo = new QComboBox;
         combo->setFixedSize(250, 25);
         combo->addItems(rows[i].second);
@@ -274,9 +289,10 @@ void MainWindow::buildDeviceDialog()
         layout->addLayout(rowLayout);
         deviceRows[i] = { label, combo };
     }
+    fitLabels(labels, 100);
     auto *buttons = new QHBoxLayout;
-    auto *defaults = new QPushButton(QStringLiteral("Default"));
-    auto *apply = new QPushButton(QStringLiteral("Apply"));
+    auto *defaults = new QPushButton(tr("Default"));
+    auto *apply = new QPushButton(tr("Apply"));
     connect(defaults, &QPushButton::clicked, this, &MainWindow::videoDefaultSet);
     connect(apply, &QPushButton::clicked, this, &MainWindow::updateCurrentMediaDevice);
     buttons->addStretch(1);
@@ -343,17 +359,19 @@ void MainWindow::version()
                 { tr("soft date:"), tr("2025/01/16") },
                 { tr("system:"), system },
         } };
+        QList<QLabel *> names;
         for (const auto &[label, value] : facts) {
             auto *row = new QHBoxLayout;
             auto *name = new QLabel(label);
             name->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-            name->setFixedWidth(60);
+            names.append(name);
             auto *edit = new QLineEdit(value);
             edit->setReadOnly(true);
             row->addWidget(name);
             row->addWidget(edit);
             layout->addLayout(row);
         }
+        fitLabels(names, 60);
     }
     versionBox->show();
     versionBox->raise();

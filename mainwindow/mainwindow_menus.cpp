@@ -35,71 +35,71 @@ void MainWindow::createResolutionAndRotationActions()
     connect(resolution1st, &QAction::triggered, this, &MainWindow::resolutionTo1st);
     resolutionActions = { resolution1st, resolution2nd, resolution3rd, resolution4th };
 
-    auto *rotation0 = makeAction(QStringLiteral("0"), QStringLiteral("Not rotate"), true, this);
+    auto *rotation0 = makeAction(QStringLiteral("0"), tr("Not rotate"), true, this);
     connect(rotation0, &QAction::triggered, this, &MainWindow::rotationNone);
-    auto *rotation180 = makeAction(QStringLiteral("180º"), QStringLiteral("Rotate 180 degree"), true, this);
+    auto *rotation180 = makeAction(QStringLiteral("180º"), tr("Rotate 180 degree"), true, this);
     connect(rotation180, &QAction::triggered, this, &MainWindow::rotation180Degree);
-    auto *mirror = makeAction(QStringLiteral("Mirror"), QStringLiteral("Mirror"), true, this);
+    auto *mirror = makeAction(tr("Mirror"), tr("Mirror"), true, this);
     connect(mirror, &QAction::triggered, this, &MainWindow::rotationMirror);
-    auto *rotation180Mirror = makeAction(QStringLiteral("180º Mirror"), QStringLiteral("Rotate 180 degree with mirror"), true, this);
+    auto *rotation180Mirror = makeAction(tr("180º Mirror"), tr("Rotate 180 degree with mirror"), true, this);
     connect(rotation180Mirror, &QAction::triggered, this, &MainWindow::rotation180DegreeWithMirror);
     rotationActions = { rotation0, rotation180, mirror, rotation180Mirror };
 }
 
 void MainWindow::createActions()
 {
-    startAction = makeAction(QStringLiteral("Record &Start"), QStringLiteral("Start recording"), false, this,
+    startAction = makeAction(tr("Record &Start"), tr("Start recording"), false, this,
                              QKeySequence(Qt::Key_F5));
     connect(startAction, &QAction::triggered, this, &MainWindow::captureVideo);
     // The same slot toggles between starting and stopping.
-    stopAction = makeAction(QStringLiteral("Record S&top"), QStringLiteral("Stop recording"), false, this,
+    stopAction = makeAction(tr("Record S&top"), tr("Stop recording"), false, this,
                             QKeySequence(Qt::Key_F4));
     connect(stopAction, &QAction::triggered, this, &MainWindow::captureVideo);
-    pauseAction = makeAction(QStringLiteral("Record &Pause"), QStringLiteral("Pause recording"), false, this,
+    pauseAction = makeAction(tr("Record &Pause"), tr("Pause recording"), false, this,
                              QKeySequence(Qt::Key_F3));
     connect(pauseAction, &QAction::triggered, this, &MainWindow::pauseCaptureVideo);
-    liveAction = makeAction(QStringLiteral("&Live"), QStringLiteral("Change to live mode"), false, this,
+    liveAction = makeAction(tr("&Live"), tr("Change to live mode"), false, this,
                             QKeySequence(Qt::Key_F1));
     connect(liveAction, &QAction::triggered, this, &MainWindow::liveSetup);
 
     struct SizeEntry { const char *text; const char *tip; void (MainWindow::*slot)(); };
     static const SizeEntry sizeEntries[7] = {
-        { "&1GB", "Limit the maximum size of a video file to 1GB", &MainWindow::limitSizeTo1GB },
-        { "&2GB", "Limit the maximum size of a video file to 2GB", &MainWindow::limitSizeTo2GB },
-        { "&3GB", "Limit the maximum size of a video file to 3GB", &MainWindow::limitSizeTo3GB },
-        { "&4GB", "Limit the maximum size of a video file to 4GB", &MainWindow::limitSizeTo4GB },
-        { "&5GB", "Limit the maximum size of a video file to 5GB", &MainWindow::limitSizeTo5GB },
-        { "1&0GB", "Limit the maximum size of a video file to 10GB", &MainWindow::limitSizeTo10GB },
-        { "&No Size Limit", "Unlimit the maximum size of a video file", &MainWindow::limitSizeToNoLimit },
+        { QT_TRANSLATE_NOOP("MainWindow", "&1GB"), QT_TRANSLATE_NOOP("MainWindow", "Limit the maximum size of a video file to 1GB"), &MainWindow::limitSizeTo1GB },
+        { QT_TRANSLATE_NOOP("MainWindow", "&2GB"), QT_TRANSLATE_NOOP("MainWindow", "Limit the maximum size of a video file to 2GB"), &MainWindow::limitSizeTo2GB },
+        { QT_TRANSLATE_NOOP("MainWindow", "&3GB"), QT_TRANSLATE_NOOP("MainWindow", "Limit the maximum size of a video file to 3GB"), &MainWindow::limitSizeTo3GB },
+        { QT_TRANSLATE_NOOP("MainWindow", "&4GB"), QT_TRANSLATE_NOOP("MainWindow", "Limit the maximum size of a video file to 4GB"), &MainWindow::limitSizeTo4GB },
+        { QT_TRANSLATE_NOOP("MainWindow", "&5GB"), QT_TRANSLATE_NOOP("MainWindow", "Limit the maximum size of a video file to 5GB"), &MainWindow::limitSizeTo5GB },
+        { QT_TRANSLATE_NOOP("MainWindow", "1&0GB"), QT_TRANSLATE_NOOP("MainWindow", "Limit the maximum size of a video file to 10GB"), &MainWindow::limitSizeTo10GB },
+        { QT_TRANSLATE_NOOP("MainWindow", "&No Size Limit"), QT_TRANSLATE_NOOP("MainWindow", "Unlimit the maximum size of a video file"), &MainWindow::limitSizeToNoLimit },
     };
     for (int i = 0; i < 7; ++i) {
-        sizeActions[i] = makeAction(QString::fromUtf8(sizeEntries[i].text), QString::fromUtf8(sizeEntries[i].tip), true, this);
+        sizeActions[i] = makeAction(tr(sizeEntries[i].text), tr(sizeEntries[i].tip), true, this);
         connect(sizeActions[i], &QAction::toggled, this, sizeEntries[i].slot);
     }
 
-    snapShotAction = makeAction(QStringLiteral("SnapShot"), QStringLiteral("Take a snapshot form video"), false, this,
+    snapShotAction = makeAction(tr("SnapShot"), tr("Take a snapshot form video"), false, this,
                                 QKeySequence(Qt::Key_F7));
     connect(snapShotAction, &QAction::triggered, this, &MainWindow::captureStillImage);
 
     // Their toggled() connections are made per camera set-up.
-    fullScreenAction = makeAction(QStringLiteral("Full Screen"), QStringLiteral("Toggle full screen mode"), true, this,
+    fullScreenAction = makeAction(tr("Full Screen"), tr("Toggle full screen mode"), true, this,
                                   QKeySequence(Qt::Key_F9));
-    fullScreenWindowAction = makeAction(QStringLiteral("Full Screen"), QStringLiteral("Toggle full screen mode"), true, this,
+    fullScreenWindowAction = makeAction(tr("Full Screen"), tr("Toggle full screen mode"), true, this,
                                         QKeySequence(QStringLiteral("Ctrl+Meta+F")));
     // In no menu: on the window itself so that its shortcut still works.
     addAction(fullScreenWindowAction);
 
-    recordDeviceAction = makeAction(QStringLiteral("Record Device"), QStringLiteral("Recording device configuration"), false, this);
+    recordDeviceAction = makeAction(tr("Record Device"), tr("Recording device configuration"), false, this);
     connect(recordDeviceAction, &QAction::triggered, this, &MainWindow::videoSettings);
-    videoQualityAction = makeAction(QStringLiteral("Video Quality Settings"), QStringLiteral("Configure video quality options"), false, this);
+    videoQualityAction = makeAction(tr("Video Quality Settings"), tr("Configure video quality options"), false, this);
     connect(videoQualityAction, &QAction::triggered, this, &MainWindow::showColorDialog);
-    storagePathAction = makeAction(QStringLiteral("Record Storage Path"), QStringLiteral("Configure recording storage root path"), false, this);
+    storagePathAction = makeAction(tr("Record Storage Path"), tr("Configure recording storage root path"), false, this);
     connect(storagePathAction, &QAction::triggered, this, &MainWindow::updateStorageRoot);
-    hospitalAction = makeAction(QStringLiteral("Hospital Systems"), QStringLiteral("Set up the archive (PACS) and the worklist"), false, this);
+    hospitalAction = makeAction(tr("Hospital Systems"), tr("Set up the archive (PACS) and the worklist"), false, this);
     connect(hospitalAction, &QAction::triggered, this, &MainWindow::showHospitalSettings);
-    footSwitchAction = makeAction(QStringLiteral("Foot Switch"), QStringLiteral("Learn the keys of the foot switch's pedals"), false, this);
+    footSwitchAction = makeAction(tr("Foot Switch"), tr("Learn the keys of the foot switch's pedals"), false, this);
     connect(footSwitchAction, &QAction::triggered, this, &MainWindow::showFootSwitchDialog);
-    finishCaseAction = makeAction(QStringLiteral("Finish Case"), QStringLiteral("End this patient's case and clear the patient for the next one"), false, this);
+    finishCaseAction = makeAction(tr("Finish Case"), tr("End this patient's case and clear the patient for the next one"), false, this);
     connect(finishCaseAction, &QAction::triggered, this, &MainWindow::finishCase);
 }
 
@@ -110,17 +110,17 @@ void MainWindow::createMenus()
     mainMenuBar->setStyleSheet(PanelStyles::menus());
     setMenuBar(mainMenuBar);
 
-    QMenu *recordMenu = mainMenuBar->addMenu(QStringLiteral("&Record"));
+    QMenu *recordMenu = mainMenuBar->addMenu(tr("&Record"));
     recordMenu->addActions({ startAction, stopAction, pauseAction, liveAction });
 
-    QMenu *sizeMenu = mainMenuBar->addMenu(QStringLiteral("&File Size"));
+    QMenu *sizeMenu = mainMenuBar->addMenu(tr("&File Size"));
     for (QAction *action : sizeActions)
         sizeMenu->addAction(action);
 
-    mainMenuBar->addMenu(QStringLiteral("S&napShot"))->addAction(snapShotAction);
-    mainMenuBar->addMenu(QStringLiteral("&Screen"))->addAction(fullScreenAction);
+    mainMenuBar->addMenu(tr("S&napShot"))->addAction(snapShotAction);
+    mainMenuBar->addMenu(tr("&Screen"))->addAction(fullScreenAction);
 
-    QMenu *configurationMenu = mainMenuBar->addMenu(QStringLiteral("&Configuration"));
+    QMenu *configurationMenu = mainMenuBar->addMenu(tr("&Configuration"));
     configurationMenu->addActions({ recordDeviceAction, videoQualityAction, storagePathAction });
     // Beyond the designed entries, apart from them.
     configurationMenu->addSeparator();
@@ -128,28 +128,28 @@ void MainWindow::createMenus()
     configurationMenu->addAction(finishCaseAction);
     configurationMenu->addAction(footSwitchAction);
 
-    QMenu *helpMenu = mainMenuBar->addMenu(QStringLiteral("&Help"));
-    helpAction = makeAction(QStringLiteral("Help"), QStringLiteral("Open help document"), false, this);
+    QMenu *helpMenu = mainMenuBar->addMenu(tr("&Help"));
+    helpAction = makeAction(tr("Help"), tr("Open help document"), false, this);
     connect(helpAction, &QAction::triggered, this, &MainWindow::help);
     // The help tip is reused for "Version" as it always was.
-    versionAction = makeAction(QStringLiteral("Version"), QStringLiteral("Open help document"), false, this);
+    versionAction = makeAction(tr("Version"), tr("Open help document"), false, this);
     connect(versionAction, &QAction::triggered, this, &MainWindow::version);
     versionAction->setEnabled(true);
     helpMenu->addActions({ helpAction, versionAction });
     // Beyond the designed entries: where the technician finds the log.
     helpMenu->addSeparator();
-    logFolderAction = makeAction(QStringLiteral("Log Folder"), QStringLiteral("Open the folder of the program's log"), false, this);
+    logFolderAction = makeAction(tr("Log Folder"), tr("Open the folder of the program's log"), false, this);
     logFolderAction->setObjectName(QStringLiteral("LogFolderAction"));
     connect(logFolderAction, &QAction::triggered, this, &MainWindow::openLogFolder);
     helpMenu->addAction(logFolderAction);
 
-    rotationMenu = new QMenu(QStringLiteral("Rotation"), this);
+    rotationMenu = new QMenu(tr("Rotation"), this);
     rotationMenu->addActions(rotationActions);
     rotationMenu->setStyleSheet(PanelStyles::menus());
     rotationButton->setMenu(rotationMenu);
 
     // The title is reused on purpose; a button menu shows none.
-    resolutionMenu = new QMenu(QStringLiteral("Rotation"), this);
+    resolutionMenu = new QMenu(tr("Rotation"), this);
     resolutionMenu->addActions(resolutionActions.mid(0, 3));
     resolutionMenu->setStyleSheet(PanelStyles::menus());
     resolutionButton->setMenu(resolutionMenu);

@@ -156,7 +156,7 @@ void MainWindow::setupControlPanel()
     resolutionButton = fixedButton(QStringLiteral("ResolutionSetupButton"), QSize(111, 40), controlPanelFrame);
     resolutionButton->setFlat(true);
     resolutionButton->setAttribute(Qt::WA_LayoutUsesWidgetRect);
-    resolutionButton->setText(QStringLiteral("Resolution"));
+    resolutionButton->setText(tr("Resolution"));
     auto resolutionStyle = labelledButton(resolutionButton->objectName(), QStringLiteral("ControlPanel/button_resolution"));
     resolutionStyle.disabledTextColor = QStringLiteral("gray");
     resolutionStyle.extra = QStringLiteral("padding-left: 12px;");
@@ -167,7 +167,7 @@ void MainWindow::setupControlPanel()
     rotationButton = fixedButton(QStringLiteral("RotationSetupButton"), QSize(107, 40), controlPanelFrame);
     rotationButton->setFlat(true);
     rotationButton->setAttribute(Qt::WA_LayoutUsesWidgetRect);
-    rotationButton->setText(QStringLiteral("Rotation"));
+    rotationButton->setText(tr("Rotation"));
     auto rotationStyle = labelledButton(rotationButton->objectName(), QStringLiteral("ControlPanel/button_rotation"));
     rotationStyle.extra = QStringLiteral("padding-left: 10px;");
     rotationStyle.hideMenuIndicator = true;
@@ -219,7 +219,7 @@ void MainWindow::setupControlPanel()
     liveButton = fixedButton(QStringLiteral("LiveSetupButton"), QSize(69, 40), controlPanelFrame);
     liveButton->setFlat(true);
     liveButton->setAttribute(Qt::WA_LayoutUsesWidgetRect);
-    liveButton->setText(QStringLiteral("Live"));
+    liveButton->setText(tr("Live"));
     auto liveStyle = labelledButton(liveButton->objectName(), QStringLiteral("ControlPanel/button_live"));
     liveStyle.extra = QStringLiteral("padding-left: 24px;");
     liveButton->setStyleSheet(PanelStyles::styleSheet(liveStyle));
@@ -294,7 +294,7 @@ void MainWindow::setupInformationPanel()
             "background-repeat: repeat-x;background-position: top left; }"));
     auto *headerLayout = hbox(QStringLiteral("InformationHeaderFrameLayout"), header);
     headerLayout->setContentsMargins(5, 2, 0, 0);
-    auto *title = new QLabel(QStringLiteral("Information"), header);
+    auto *title = new QLabel(tr("Information"), header);
     title->setObjectName(QStringLiteral("InformationTitleLabel"));
     title->setStyleSheet(QStringLiteral("QLabel#InformationTitleLabel {padding-top: -2px; color: white; }"));
     title->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
@@ -331,8 +331,8 @@ void MainWindow::setupInformationPanel()
     grid->setSpacing(0);
     grid->setContentsMargins(0, 0, 0, 0);
 
-    const QStringList labels { QStringLiteral("Date"), QStringLiteral("*File Name"), QStringLiteral("Doctor Name"),
-                               QStringLiteral("Patient Name"), QStringLiteral("Hospital Name"), QStringLiteral("Comment") };
+    const QStringList labels { tr("Date"), tr("*File Name"), tr("Doctor Name"),
+                               tr("Patient Name"), tr("Hospital Name"), tr("Comment") };
     const QStringList names { QStringLiteral("Date"), QStringLiteral("FileName"), QStringLiteral("DoctorName"),
                               QStringLiteral("PatientName"), QStringLiteral("HospitalName"), QStringLiteral("Comment") };
     for (int row = 0; row < 6; ++row) {
@@ -377,7 +377,7 @@ void MainWindow::setupFilePreviewPanel()
             "QFrame#FilePreviewHeaderFrame {background-image: url(:/res/FilePreviewPanel/header_background.png);"
             "background-repeat: repeat-x;background-position: top left; }"));
     auto *headerLayout = hbox(QStringLiteral("FilePreviewHeaderFrameLayout"), header);
-    auto *title = new QLabel(QStringLiteral("File Preview"), header);
+    auto *title = new QLabel(tr("File Preview"), header);
     title->setObjectName(QStringLiteral("FilePreviewTitleLabel"));
     title->setStyleSheet(QStringLiteral("QLabel#FilePreviewTitleLabel {padding-top: -2px; color: white; }"));
     title->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
@@ -408,7 +408,7 @@ void MainWindow::setupFilePreviewPanel()
     auto *storageLayout = new QHBoxLayout(storageRow);
     // The storage row and the rest of this body keep Qt's default spacing.
     storageLayout->setObjectName(QStringLiteral("StorageBrowseWidgetLayout"));
-    auto *storageLabel = new QLabel(QStringLiteral("Storage"), storageRow);
+    auto *storageLabel = new QLabel(tr("Storage"), storageRow);
     storageLabel->setObjectName(QStringLiteral("StorageLabel"));
     storageLabel->setStyleSheet(QStringLiteral("QLabel#StorageLabel {color: white; }"));
     storageLayout->addWidget(storageLabel);
@@ -462,12 +462,12 @@ void MainWindow::setupFilePreviewPanel()
     auto *shortCuts = new QWidget(body);
     auto *shortCutsLayout = new QHBoxLayout(shortCuts);
     shortCutsLayout->setObjectName(QStringLiteral("ShortCutsWidgetLayout"));
-    movieFolderButton = new QPushButton(QStringLiteral("Movie Folder"), shortCuts);
+    movieFolderButton = new QPushButton(tr("Movie Folder"), shortCuts);
     movieFolderButton->setObjectName(QStringLiteral("MovieLocationButton"));
     movieFolderButton->setStyleSheet(PanelStyles::folderButton(movieFolderButton->objectName(),
                                                                QStringLiteral("FolderShortCuts/movies_folder.png")));
     connect(movieFolderButton, &QPushButton::clicked, this, &MainWindow::openMoviesFolder);
-    imageFolderButton = new QPushButton(QStringLiteral("Image Folder"), shortCuts);
+    imageFolderButton = new QPushButton(tr("Image Folder"), shortCuts);
     imageFolderButton->setObjectName(QStringLiteral("ImageLocationButton"));
     imageFolderButton->setStyleSheet(PanelStyles::folderButton(imageFolderButton->objectName(),
                                                                QStringLiteral("FolderShortCuts/images_folder.png")));

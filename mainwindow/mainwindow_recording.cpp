@@ -106,7 +106,7 @@ void MainWindow::captureVideo()
         if (recorder->recorderState() == QMediaRecorder::PausedState) {
             // Record while paused resumes instead of stopping, on purpose.
             recorder->record();
-            pauseAction->setText(QStringLiteral("Pause"));
+            pauseAction->setText(tr("Pause"));
             return;
         }
         stopRecordingOnceStarted();
@@ -114,7 +114,7 @@ void MainWindow::captureVideo()
     }
 
     if (informationText(1).isEmpty()) {
-        QMessageBox box(QMessageBox::Question, QString(), QStringLiteral("Please Enter File information"),
+        QMessageBox box(QMessageBox::Question, QString(), tr("Please Enter File information"),
                         QMessageBox::Ok, nullptr, Qt::Dialog | Qt::MSWindowsFixedSizeDialogHint);
         box.exec();
         showFileNameHint();
@@ -283,10 +283,10 @@ void MainWindow::pauseCaptureVideo()
         return;
     if (recorder->recorderState() == QMediaRecorder::PausedState) {
         recorder->record();
-        pauseAction->setText(QStringLiteral("Pause"));
+        pauseAction->setText(tr("Pause"));
     } else if (recorder->recorderState() == QMediaRecorder::RecordingState) {
         recorder->pause();
-        pauseAction->setText(QStringLiteral("Resume"));
+        pauseAction->setText(tr("Resume"));
     }
 }
 

@@ -71,7 +71,7 @@ void MainWindow::setupIdleUIState()
     startAction->setEnabled(true);
     stopAction->setEnabled(false);
     pauseAction->setEnabled(false);
-    pauseAction->setText(QStringLiteral("Pause"));
+    pauseAction->setText(tr("Pause"));
     liveAction->setEnabled(false);
     enable(sizeActions, true);
     snapShotAction->setEnabled(true);

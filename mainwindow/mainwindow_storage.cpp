@@ -146,16 +146,16 @@ void MainWindow::showTeachingExport()
 void MainWindow::updateStorageRoot()
 {
     const QString chosen = QFileDialog::getExistingDirectory(
-            this, QStringLiteral("Select Directory"), QStandardPaths::writableLocation(QStandardPaths::HomeLocation),
+            this, tr("Select Directory"), QStandardPaths::writableLocation(QStandardPaths::HomeLocation),
             QFileDialog::ShowDirsOnly | QFileDialog::DontResolveSymlinks);
     if (chosen.isEmpty())
         return;
     if (!QDir().mkpath(StoragePaths::join(chosen, QStringLiteral("Movie")))) {
-        tell(QStringLiteral("Could not create default movie folder."));
+        tell(tr("Could not create default movie folder."));
         return;
     }
     if (!QDir().mkpath(StoragePaths::join(chosen, QStringLiteral("Image")))) {
-        tell(QStringLiteral("Could not create default image folder."));
+        tell(tr("Could not create default image folder."));
         return;
     }
     QString root = chosen + QLatin1Char('/');

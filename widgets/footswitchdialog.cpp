@@ -29,7 +29,7 @@ FootSwitchDialog::FootSwitchDialog(const std::array<QKeySequence, FootSwitch::pe
         grid->addWidget(new QLabel(FootSwitch::pedalName(FootSwitch::Pedal(pedal))), pedal, 0);
         keyLabels[pedal] = new QLabel;
         keyLabels[pedal]->setObjectName(QStringLiteral("FootSwitchKey") + pedalObjectNames[pedal]);
-        keyLabels[pedal]->setMinimumWidth(keyLabels[pedal]->fontMetrics().horizontalAdvance(QStringLiteral("Press the pedal now")) + 8);
+        keyLabels[pedal]->setMinimumWidth(keyLabels[pedal]->fontMetrics().horizontalAdvance(tr("Press the pedal now")) + 8);
         grid->addWidget(keyLabels[pedal], pedal, 1);
         learnButtons[pedal] = new QPushButton(tr("Learn"));
         learnButtons[pedal]->setObjectName(QStringLiteral("FootSwitchLearn") + pedalObjectNames[pedal]);

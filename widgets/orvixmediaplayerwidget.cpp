@@ -154,7 +154,7 @@ void OrvixMediaPlayerWidget::handleError()
         return;
     errorTold = true;
     const QString errorString = mediaPlayer.errorString();
-    QString message = QStringLiteral("Error: ");
+    QString message = tr("Error: ");
     if (errorString.isEmpty())
         message += QStringLiteral(" #") + QString::number(int(mediaPlayer.error()));
     else

@@ -15,8 +15,8 @@ constexpr int pulseMsec = 100;
 
 WaitingForCameraWidget::WaitingForCameraWidget(QWidget *parent, Qt::WindowFlags flags)
     : QFrame(parent, flags),
-      messageTemplate(QStringLiteral("<div style=\"text-align: center; font-size: 22px; color: #%1%1%1;\">"
-                                     "Please connect Orvix cameras.</div>"))
+      messageTemplate(QStringLiteral("<div style=\"text-align: center; font-size: 22px; color: #%1%1%1;\">")
+                      + tr("Please connect Orvix cameras.").toHtmlEscaped() + QStringLiteral("</div>"))
 {
     auto *layout = new QVBoxLayout(this);
     layout->addStretch(8);

@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QtTest>
 
+#include "app/translations.h"
 #include "tasks/orvixtaskscheduler.h"
 #include "virtualdevices.h"
 
@@ -15,6 +16,7 @@
         QApplication app(argc, argv);                                            \
         QCoreApplication::setOrganizationName(QStringLiteral("Kelvane"));        \
         QCoreApplication::setApplicationName(QStringLiteral("Orvix"));           \
+        Translations::install(&app);                                             \
         OrvixSchedulerShutdown schedulerShutdown;                                \
         TestObject tc(devices);                                                  \
         QTEST_SET_MAIN_SOURCE_PATH                                               \

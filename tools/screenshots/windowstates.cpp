@@ -31,6 +31,8 @@
 #include <QTextEdit>
 
 #include "app/settingskeys.h"
+#include "app/translations.h"
+#include "widgets/teachingexportdialog.h"
 #include "hospital/archivequeue.h"
 #include "mppspeer.h"
 #include "orthancserver.h"
@@ -157,6 +159,7 @@ int main(int argc, char *argv[])
     QApplication app(argc, argv);
     QCoreApplication::setOrganizationName(QStringLiteral("Kelvane"));
     QCoreApplication::setApplicationName(QStringLiteral("Orvix"));
+    Translations::install(&app);
     const QString folder = QDir(argc > 1 ? QString::fromLocal8Bit(argv[1]) : QStringLiteral("screenshots")).absolutePath();
     qputenv("ORVIX_SCREENSHOT_DIR", folder.toLocal8Bit());
     QString error;
@@ -302,6 +305,16 @@ int main(int argc, char *argv[])
     saved &= shootDialog(footSwitch, folder, QStringLiteral("dialog-foot-switch"));
     if (footSwitch)
         footSwitch->reject();
+    // Export for teaching, everything of the case checked, to a stick.
+    window->showTeachingExport();
+    auto *teaching = window->findChild<TeachingExportDialog *>();
+    if (teaching) {
+        teaching->findChild<QPushButton *>(QStringLiteral("ExportAllButton"))->click();
+        teaching->findChild<QLineEdit *>(QStringLiteral("ExportFolderEdit"))->setText(QStringLiteral("/media/usb-stick/teaching"));
+    }
+    saved &= shootDialog(teaching, folder, QStringLiteral("dialog-export"));
+    if (teaching)
+        teaching->close();
 
     saved &= openStored(*window, root + QStringLiteral("Image"), QStringLiteral("*.jpg"));
     QTest::qWait(1000);

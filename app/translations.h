@@ -1,0 +1,16 @@
+// The program in the user's language: its own texts and Qt's (the standard
+// dialogs and buttons), chosen from the system's language (LANG, LANGUAGE).
+// English needs nothing: it is the language the texts are written in.
+#pragma once
+
+#include <QString>
+
+class QCoreApplication;
+
+namespace Translations {
+
+// Installs both for the system's language; returns the language taken
+// ("de", "fr"), empty when the texts stay English.
+QString install(QCoreApplication *application);
+
+} // namespace Translations
