@@ -9,6 +9,13 @@
 #include "tasks/orvixtaskscheduler.h"
 #include "virtualdevices.h"
 
+// The text the user sees for a source text, in the language the test runs
+// in: tests compare with it, so that they pass in every shipped language.
+inline QString shown(const char *context, const char *source, int n = -1)
+{
+    return QCoreApplication::translate(context, source, nullptr, n);
+}
+
 #define ORVIX_TEST_MAIN(TestObject)                                              \
     int main(int argc, char *argv[])                                             \
     {                                                                            \

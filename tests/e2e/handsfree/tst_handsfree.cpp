@@ -118,7 +118,7 @@ private slots:
         QVERIFY(window.isCameraLive());
 
         for (QAction *action : window.findChildren<QAction *>()) {
-            if (action->text() == QLatin1String("Foot Switch"))
+            if (action->text() == shown("MainWindow", "Foot Switch"))
                 action->trigger();
         }
         auto *dialog = window.findChild<FootSwitchDialog *>();
@@ -132,7 +132,7 @@ private slots:
             // A key the window already uses is refused, with why.
             if (pedal == 1) {
                 QVERIFY(typeKey(QStringLiteral("F5")));
-                QTRY_VERIFY(dialog->findChild<QLabel *>(QStringLiteral("FootSwitchHint"))->text().contains(QLatin1String("Record Start")));
+                QTRY_VERIFY(dialog->findChild<QLabel *>(QStringLiteral("FootSwitchHint"))->text().contains(shown("MainWindow", "Record &Start").remove(QLatin1Char('&'))));
                 QCOMPARE(dialog->learning(), pedal);
             }
             QVERIFY(typeKey(keys[pedal]));

@@ -16,6 +16,7 @@
 #include <QMediaDevices>
 #include <QProcess>
 #include <QScreen>
+#include <QStorageInfo>
 #include <QScopeGuard>
 #include <QMediaRecorder>
 #include <QVideoSink>
@@ -332,7 +333,7 @@ private slots:
             QTRY_VERIFY_WITH_TIMEOUT(!watcher.texts.isEmpty(), 5000);
             QTest::qWait(1000);
             QVERIFY2(watcher.texts.size() == 1, qPrintable(watcher.texts.join(" / ")));
-            QVERIFY2(watcher.texts.first().startsWith(QStringLiteral("Error: ")), qPrintable(watcher.texts.join(" / ")));
+            QVERIFY2(watcher.texts.first().startsWith(shown("OrvixMediaPlayerWidget", "Error: ")), qPrintable(watcher.texts.join(" / ")));
         }
         QVERIFY(!player->playButton()->isEnabled());
         QCOMPARE(fields(window), QStringList(5, QString()));
@@ -344,7 +345,7 @@ private slots:
         {
             MessageBoxWatcher watcher(QMessageBox::Yes);
             window.removeSelectedFile();
-            QCOMPARE(watcher.texts, QStringList(QStringLiteral("Do you want to delete\n") + movie));
+            QCOMPARE(watcher.texts, QStringList(shown("MainWindow", "Do you want to delete\n") + movie));
         }
         QVERIFY(!QFileInfo::exists(movie));
         QVERIFY(!QFileInfo::exists(StoragePaths::recordingInformationPath(movie)));
@@ -392,7 +393,9 @@ private slots:
             MessageBoxWatcher watcher;
             choose(blocked);
             window.updateStorageRoot();
-            QCOMPARE(watcher.texts, QStringList(QStringLiteral("Could not create default %1 folder.").arg(taken.toLower())));
+            const QString told = taken == QLatin1String("Movie") ? shown("MainWindow", "Could not create default movie folder.")
+                                                                 : shown("MainWindow", "Could not create default image folder.");
+            QCOMPARE(watcher.texts, QStringList(told));
             QCOMPARE(QSettings().value(SettingsKeys::storageLocation).toString(), root);
         }
 
@@ -547,7 +550,7 @@ private slots:
         QVERIFY(QDir().mkpath(stick));
         check({ movie, large, snapshot });
         QString said = exportTo(stick);
-        QVERIFY2(said.startsWith(QStringLiteral("3 file(s) exported")), qPrintable(said));
+        QCOMPARE(said, shown("TeachingExportDialog", "%n file(s) exported to %1.", 3).arg(stick));
         QVERIFY(largestProgress > 0);
         const QStringList exported = filesIn(stick);
         QCOMPARE(exported.size(), 3);
@@ -582,8 +585,10 @@ private slots:
         // left, and the files before it were exported.
         check({ snapshot, coded });
         said = exportTo(stick);
-        QVERIFY2(said.contains(QStringLiteral("still held \"Müller^Anna\"")) && said.contains(QStringLiteral("1 file(s) had been")),
-                 qPrintable(said));
+        QCOMPARE(said, shown("TeachingExport::Exporter", "%1 was not exported: its copy still held \"%2\", which names the "
+                                                         "case. Nothing of it was left in %3.")
+                                       .arg(QFileInfo(coded).fileName(), QStringLiteral("Müller^Anna"), stick)
+                               + QLatin1Char(' ') + shown("TeachingExportDialog", "%n file(s) had been exported before.", 1));
         QCOMPARE(filesIn(stick).size(), 4);
         QVERIFY2(filesIn(stick).contains(QStringLiteral("2026-11-26_003.jpg")), qPrintable(filesIn(stick).join(' ')));
 
@@ -599,8 +604,10 @@ private slots:
         auto unmount = qScopeGuard([&] { QProcess::execute(QStringLiteral("umount"), { small }); });
         check({ large });
         said = exportTo(small);
-        QVERIFY2(said.contains(QStringLiteral("but %1 has only").arg(small)) && said.contains(QStringLiteral("Nothing was exported")),
-                 qPrintable(said));
+        QCOMPARE(said, shown("TeachingExport::Exporter", "The files chosen need %1 MB, but %2 has only %3 MB free. Nothing "
+                                                         "was exported: choose fewer files, or another folder or stick.")
+                               .arg(QString::number((QFileInfo(large).size() + 1024 * 1024 - 1) / (1024 * 1024)), small,
+                                    QString::number(QStorageInfo(small).bytesAvailable() / (1024 * 1024))));
         QCOMPARE(filesIn(small), QStringList());
         // Full while it is written: the room is taken after the check.
         {
@@ -617,7 +624,8 @@ private slots:
             }, Qt::DirectConnection);
             connect(&exporter, &TeachingExport::Exporter::finished, this, [&](int, const QString &why) { error = why; });
             exporter.run({ { movie, {} } }, small);
-            QVERIFY2(error.startsWith(QStringLiteral("%1 is full").arg(small)), qPrintable(error));
+            QCOMPARE(error, shown("TeachingExport::Exporter", "%1 is full: %2 did not fit. Nothing of it was left there.")
+                                    .arg(small, QFileInfo(movie).fileName()));
             QCOMPARE(filesIn(small), QStringList(QStringLiteral("filler")));
         }
         // A stick pulled before the export.
@@ -626,7 +634,9 @@ private slots:
         QVERIFY(QDir(small).removeRecursively());
         check({ snapshot });
         said = exportTo(small);
-        QVERIFY2(said.contains(QStringLiteral("is not there")), qPrintable(said));
+        QCOMPARE(said, shown("TeachingExport::Exporter", "The folder %1 is not there. Is the stick plugged in? Nothing was "
+                                                         "exported.")
+                               .arg(small));
 
         // The originals, their information files included, as they were.
         for (auto it = originals.cbegin(); it != originals.cend(); ++it)
