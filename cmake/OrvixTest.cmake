@@ -6,7 +6,7 @@
 # With PARTS the test's functions run as several CTest tests, <name>-<part>,
 # each in a process of its own, so that two can run side by side.
 function(orvix_add_test name)
-    cmake_parse_arguments(ARG "XVFB" "TIMEOUT" "LIBS;SOURCES;PARTS" ${ARGN})
+    cmake_parse_arguments(ARG "XVFB;SESSION_BUS" "TIMEOUT" "LIBS;SOURCES;PARTS" ${ARGN})
     set(target tst_${name})
     qt_add_executable(${target} tst_${name}.cpp ${ARG_SOURCES})
     target_link_libraries(${target} PRIVATE orvix_core orvix_testsupport Qt6::Test ${ARG_LIBS})
@@ -16,6 +16,11 @@ function(orvix_add_test name)
     else()
         set(command ${target})
         set(platform "QT_QPA_PLATFORM=offscreen;")
+    endif()
+    # A private session bus, as a desktop has: the accessibility bus is
+    # found and started through it.
+    if(ARG_SESSION_BUS)
+        list(PREPEND command dbus-run-session --)
     endif()
     if(NOT ARG_TIMEOUT)
         set(ARG_TIMEOUT 120)

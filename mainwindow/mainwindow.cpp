@@ -56,6 +56,7 @@ MainWindow::MainWindow(QWidget *parent)
 
     readSettings();
     setupRecordingGuard();
+    setUpAccessibility();
 
     startLiveView();
     logStartupStep("window built");

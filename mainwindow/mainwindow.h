@@ -481,6 +481,8 @@ private:
         CaseInformation information;
     } openCase;
     void addFinishCaseButton(QHBoxLayout *headerLayout, QWidget *header);
+    // mainwindow_accessibility.cpp
+    void setUpAccessibility();
     static QPushButton *headerButton(const QString &name, const QString &text, const QString &tip, QWidget *header);
     CaseInformation caseOfNewFile(const QString &file);
     void startCase(const CaseInformation &information);

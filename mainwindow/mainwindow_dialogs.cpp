@@ -138,6 +138,8 @@ void MainWindow::buildColorDialog()
         button->setFixedSize(50, 20);
         button->setStyleSheet(autoOffStyle);
         connect(button, &QPushButton::clicked, this, row.autoSlot);
+        name->setBuddy(slider);
+        button->setAccessibleName(tr("Auto: %1").arg(name->text()));
         rowLayout->addWidget(name);
         rowLayout->addWidget(iconLabel(row.leftIcon));
         rowLayout->addWidget(slider);
@@ -284,6 +286,7 @@ void MainWindow::buildDeviceDialog()
         auto *combo = new QComboBox;
         combo->setFixedSize(250, 25);
         combo->addItems(rows[i].second);
+        label->setBuddy(combo);
         rowLayout->addWidget(label);
         rowLayout->addWidget(combo);
         layout->addLayout(rowLayout);
@@ -367,6 +370,7 @@ void MainWindow::version()
             names.append(name);
             auto *edit = new QLineEdit(value);
             edit->setReadOnly(true);
+            name->setBuddy(edit);
             row->addWidget(name);
             row->addWidget(edit);
             layout->addLayout(row);

@@ -46,7 +46,8 @@ QPushButton *MainWindow::headerButton(const QString &name, const QString &text, 
     button->setStyleSheet(QStringLiteral("QPushButton#%1 {color: white; padding: 0 6px; border: 1px solid rgb(120, 120, 120);"
                                          " border-radius: 3px; }"
                                          "QPushButton#%1:hover {border-color: rgb(86, 183, 203); }"
-                                         "QPushButton#%1:disabled {color: rgb(110, 110, 110); }")
+                                         "QPushButton#%1:disabled {color: rgb(110, 110, 110); }"
+                                         "QPushButton#%1:focus {border: 2px solid rgb(86, 183, 203); }")
                                   .arg(name));
     return button;
 }

@@ -34,11 +34,13 @@ FootSwitchDialog::FootSwitchDialog(const std::array<QKeySequence, FootSwitch::pe
         learnButtons[pedal] = new QPushButton(tr("Learn"));
         learnButtons[pedal]->setObjectName(QStringLiteral("FootSwitchLearn") + pedalObjectNames[pedal]);
         learnButtons[pedal]->setAutoDefault(false);
+        learnButtons[pedal]->setAccessibleName(tr("Learn: %1").arg(FootSwitch::pedalName(FootSwitch::Pedal(pedal))));
         connect(learnButtons[pedal], &QPushButton::clicked, this, [this, pedal] { learn(pedal); });
         grid->addWidget(learnButtons[pedal], pedal, 2);
         auto *clear = new QPushButton(tr("Clear"));
         clear->setObjectName(QStringLiteral("FootSwitchClear") + pedalObjectNames[pedal]);
         clear->setAutoDefault(false);
+        clear->setAccessibleName(tr("Clear: %1").arg(FootSwitch::pedalName(FootSwitch::Pedal(pedal))));
         connect(clear, &QPushButton::clicked, this, [this, pedal] {
             stopLearning();
             learned[pedal] = QKeySequence();

@@ -18,7 +18,8 @@ QString buttonStyle(const char *icon)
     return QStringLiteral("QPushButton#MediaPlayButton {margin: 0px; border: none; border-width: 0;"
                           "background-color: transparent;background-image: url(:/res/MediaPlayer/%1);"
                           "background-repeat: repeat-x;background-position: top left; }"
-                          "QPushButton#MediaPlayButton:pressed {margin-left: 1px; margin-top: 1px; }")
+                          "QPushButton#MediaPlayButton:pressed {margin-left: 1px; margin-top: 1px; }"
+                          "QPushButton#MediaPlayButton:focus {border: 2px solid rgb(86, 183, 203); border-radius: 25px; }")
             .arg(QLatin1String(icon));
 }
 }
@@ -46,11 +47,19 @@ OrvixMediaPlayerWidget::OrvixMediaPlayerWidget(QWidget *parent)
     playBtn->setFixedSize(50, 50);
     playBtn->setAttribute(Qt::WA_LayoutUsesWidgetRect);
     playBtn->setFlat(true);
+    playBtn->setAccessibleName(tr("Play"));
     connect(playBtn, &QPushButton::clicked, this, &OrvixMediaPlayerWidget::play);
 
     slider = new QSlider(Qt::Horizontal);
+    slider->setObjectName(QStringLiteral("MediaPositionSlider"));
+    slider->setAccessibleName(tr("Position in the movie"));
     slider->setRange(0, 0);
     connect(slider, &QSlider::sliderMoved, this, &OrvixMediaPlayerWidget::setPosition);
+    // Arrow keys and clicks on the groove move the position as dragging does.
+    connect(slider, &QSlider::actionTriggered, this, [this](int action) {
+        if (action != QAbstractSlider::SliderMove)
+            setPosition(slider->sliderPosition());
+    });
 
     auto *controls = new QHBoxLayout;
     controls->setContentsMargins(5, 0, 5, 10);
@@ -129,6 +138,7 @@ void OrvixMediaPlayerWidget::stop()
 void OrvixMediaPlayerWidget::mediaStateChanged(QMediaPlayer::PlaybackState state)
 {
     playBtn->setStyleSheet(state == QMediaPlayer::PlayingState ? pauseStyleSheet() : playStyleSheet());
+    playBtn->setAccessibleName(state == QMediaPlayer::PlayingState ? tr("Pause") : tr("Play"));
 }
 
 void OrvixMediaPlayerWidget::positionChanged(qlonglong position)

@@ -33,6 +33,7 @@ WorklistDialog::WorklistDialog(const DicomNode &node, QWidget *parent)
     auto *filterRow = new QHBoxLayout;
     nameFilter = new QLineEdit(this);
     nameFilter->setObjectName(QStringLiteral("WorklistNameFilter"));
+    nameFilter->setAccessibleName(tr("Patient name begins with"));
     nameFilter->setPlaceholderText(tr("Patient name begins with… (optional)"));
     searchButton = new QPushButton(tr("Search"), this);
     searchButton->setObjectName(QStringLiteral("WorklistSearchButton"));
@@ -42,6 +43,7 @@ WorklistDialog::WorklistDialog(const DicomNode &node, QWidget *parent)
 
     entryTable = new QTableWidget(0, 4, this);
     entryTable->setObjectName(QStringLiteral("WorklistTable"));
+    entryTable->setAccessibleName(tr("Procedures scheduled today"));
     entryTable->setHorizontalHeaderLabels({ tr("Time"), tr("Patient"), tr("Patient ID"), tr("Procedure") });
     entryTable->setSelectionBehavior(QAbstractItemView::SelectRows);
     entryTable->setSelectionMode(QAbstractItemView::SingleSelection);

@@ -44,7 +44,7 @@
         <translation>vom Archiv aufbewahrt</translation>
     </message>
     <message>
-        <source>The hospital&apos;s system for performed steps cannot be reached now: %1
+        <source>The hospital's system for performed steps cannot be reached now: %1
 
 What it is to hear of the cases waits on this computer and is sent when it answers.</source>
         <translation>Das System des Krankenhauses für durchgeführte Schritte ist jetzt nicht erreichbar: %1
@@ -54,15 +54,15 @@ Was es über die Fälle erfahren soll, wartet auf diesem Computer und wird gesen
     <message>
         <source>The archive does not confirm that it keeps what it received: %1
 
-Files stay marked &quot;sent&quot;, and none is removed from this computer.</source>
+Files stay marked "sent", and none is removed from this computer.</source>
         <translation>Das Archiv bestätigt nicht, dass es das Empfangene aufbewahrt: %1
 
 Dateien bleiben als „gesendet“ markiert, und keine wird von diesem Computer entfernt.</translation>
     </message>
     <message>
-        <source>The hospital&apos;s system did not take the %1 of the case of %2: %3
+        <source>The hospital's system did not take the %1 of the case of %2: %3
 
-The movies and snapshots are not affected; tell the hospital&apos;s IT.</source>
+The movies and snapshots are not affected; tell the hospital's IT.</source>
         <translation>Das System des Krankenhauses hat den %1 des Falls von %2 nicht angenommen: %3
 
 Die Filme und Schnappschüsse sind nicht betroffen; sagen Sie es der IT des Krankenhauses.</translation>
@@ -122,9 +122,9 @@ Alles bleibt auf diesem Computer; schaffen Sie Platz auf diesem Datenträger.</t
 <context>
     <name>CommitmentListener</name>
     <message>
-        <source>This station cannot take the archive&apos;s answers on port %1 now: %2
+        <source>This station cannot take the archive's answers on port %1 now: %2
 
-It keeps trying. If this stays, check the port under Configuration &gt; Hospital Systems; files stay &quot;sent&quot; until the archive&apos;s answer comes.</source>
+It keeps trying. If this stays, check the port under Configuration &gt; Hospital Systems; files stay "sent" until the archive's answer comes.</source>
         <translation>Diese Station kann die Antworten des Archivs jetzt nicht auf Port %1 empfangen: %2
 
 Sie versucht es weiter. Bleibt es so, prüfen Sie den Port unter Konfiguration &gt; Krankenhaussysteme; Dateien bleiben „gesendet“, bis die Antwort des Archivs kommt.</translation>
@@ -133,7 +133,7 @@ Sie versucht es weiter. Bleibt es so, prüfen Sie den Port unter Konfiguration &
 <context>
     <name>DicomNetwork</name>
     <message>
-        <source>%1 refused the connection of this station (&quot;%2&quot;) to &quot;%3&quot;: check both AE titles and that the archive knows this station.</source>
+        <source>%1 refused the connection of this station ("%2") to "%3": check both AE titles and that the archive knows this station.</source>
         <translation>%1 hat die Verbindung dieser Station („%2“) zu „%3“ abgelehnt: prüfen Sie beide AE-Titel und ob das Archiv diese Station kennt.</translation>
     </message>
     <message>
@@ -145,7 +145,7 @@ Sie versucht es weiter. Bleibt es so, prüfen Sie den Port unter Konfiguration &
         <translation>%1 hat nicht innerhalb von %2 s geantwortet: prüfen Sie Host, Netzwerk und Firewall.</translation>
     </message>
     <message>
-        <source>The host &quot;%1&quot; is not known on this network.</source>
+        <source>The host "%1" is not known on this network.</source>
         <translation>Der Host „%1“ ist in diesem Netzwerk nicht bekannt.</translation>
     </message>
     <message>
@@ -153,7 +153,7 @@ Sie versucht es weiter. Bleibt es so, prüfen Sie den Port unter Konfiguration &
         <translation>%1 ist nicht erreichbar: %2</translation>
     </message>
     <message>
-        <source>Not set up completely: this station&apos;s AE title, the called AE title, the host and the port are all needed.</source>
+        <source>Not set up completely: this station's AE title, the called AE title, the host and the port are all needed.</source>
         <translation>Nicht vollständig eingerichtet: der AE-Titel dieser Station, der gerufene AE-Titel, der Host und der Port werden alle gebraucht.</translation>
     </message>
     <message>
@@ -173,7 +173,7 @@ Sie versucht es weiter. Bleibt es so, prüfen Sie den Port unter Konfiguration &
         <translation>%1 hat die Worklist-Abfrage nicht beantwortet (Status 0x%2).</translation>
     </message>
     <message>
-        <source>%1 of the answers are written in a character set this station cannot read (&quot;%2&quot;) and are not shown. Ask the hospital&apos;s IT to check the worklist&apos;s character set.</source>
+        <source>%1 of the answers are written in a character set this station cannot read ("%2") and are not shown. Ask the hospital's IT to check the worklist's character set.</source>
         <translation>%1 der Antworten sind in einem Zeichensatz geschrieben, den diese Station nicht lesen kann („%2“), und werden nicht gezeigt. Bitten Sie die IT des Krankenhauses, den Zeichensatz der Worklist zu prüfen.</translation>
     </message>
     <message>
@@ -300,7 +300,7 @@ Sie versucht es weiter. Bleibt es so, prüfen Sie den Port unter Konfiguration &
         <translation>%1 ist größer, als ein Archivobjekt fassen kann (%2 MB). Aufnahmen bei eingeschaltetem automatischem Senden werden vor dieser Größe geteilt.</translation>
     </message>
     <message>
-        <source>%1 is not an H.264 movie (its picture is &quot;%2&quot;), which the archive cannot take.</source>
+        <source>%1 is not an H.264 movie (its picture is "%2"), which the archive cannot take.</source>
         <translation>%1 ist kein H.264-Film (sein Bild ist „%2“), den das Archiv annehmen kann.</translation>
     </message>
     <message>
@@ -362,8 +362,16 @@ Sie versucht es weiter. Bleibt es so, prüfen Sie den Port unter Konfiguration &
         <translation>Escape lässt das Pedal, wie es war.</translation>
     </message>
     <message>
-        <source>%1 already does &quot;%2&quot;; press another pedal, or Escape.</source>
+        <source>%1 already does "%2"; press another pedal, or Escape.</source>
         <translation>%1 macht bereits „%2“; drücken Sie ein anderes Pedal oder Escape.</translation>
+    </message>
+    <message>
+        <source>Learn: %1</source>
+        <translation>Lernen: %1</translation>
+    </message>
+    <message>
+        <source>Clear: %1</source>
+        <translation>Löschen: %1</translation>
     </message>
 </context>
 <context>
@@ -409,7 +417,7 @@ Sie versucht es weiter. Bleibt es so, prüfen Sie den Port unter Konfiguration &
         <translation>Name oder Adresse, z. B. pacs.hospital.local</translation>
     </message>
     <message>
-        <source>This station&apos;s AE title</source>
+        <source>This station's AE title</source>
         <translation>AE-Titel dieser Station</translation>
     </message>
     <message>
@@ -421,7 +429,7 @@ Sie versucht es weiter. Bleibt es so, prüfen Sie den Port unter Konfiguration &
         <translation>Port</translation>
     </message>
     <message>
-        <source>The archive&apos;s confirmation</source>
+        <source>The archive's confirmation</source>
         <translation>Bestätigung des Archivs</translation>
     </message>
     <message>
@@ -429,11 +437,11 @@ Sie versucht es weiter. Bleibt es so, prüfen Sie den Port unter Konfiguration &
         <translation>aus</translation>
     </message>
     <message>
-        <source>The archive confirms that it keeps each file by calling this station back on this port (storage commitment). The archive must know this station&apos;s AE title, address and port.</source>
+        <source>The archive confirms that it keeps each file by calling this station back on this port (storage commitment). The archive must know this station's AE title, address and port.</source>
         <translation>Das Archiv bestätigt, dass es jede Datei aufbewahrt, indem es diese Station auf diesem Port zurückruft (Storage Commitment). Das Archiv muss den AE-Titel, die Adresse und den Port dieser Station kennen.</translation>
     </message>
     <message>
-        <source>Port for the archive&apos;s answers</source>
+        <source>Port for the archive's answers</source>
         <translation>Port für die Antworten des Archivs</translation>
     </message>
     <message>
@@ -461,11 +469,11 @@ Sie versucht es weiter. Bleibt es so, prüfen Sie den Port unter Konfiguration &
         <translation>Wenn der freie Platz unter</translation>
     </message>
     <message>
-        <source>%1: this station&apos;s AE title must be 1 to 16 letters, digits or signs, without &quot;\&quot;.</source>
+        <source>%1: this station's AE title must be 1 to 16 letters, digits or signs, without "\".</source>
         <translation>%1: der AE-Titel dieser Station muss 1 bis 16 Buchstaben, Ziffern oder Zeichen lang sein, ohne „\\“.</translation>
     </message>
     <message>
-        <source>%1: the AE title must be 1 to 16 letters, digits or signs, without &quot;\&quot;.</source>
+        <source>%1: the AE title must be 1 to 16 letters, digits or signs, without "\".</source>
         <translation>%1: der AE-Titel muss 1 bis 16 Buchstaben, Ziffern oder Zeichen lang sein, ohne „\\“.</translation>
     </message>
     <message>
@@ -540,7 +548,7 @@ Was aufgenommen wurde, ist in %1 erhalten.</translation>
         <translation>Fall abschließen</translation>
     </message>
     <message>
-        <source>End this patient&apos;s case and clear the patient for the next one</source>
+        <source>End this patient's case and clear the patient for the next one</source>
         <translation>Den Fall dieses Patienten abschließen und den Patienten für den nächsten leeren</translation>
     </message>
     <message>
@@ -694,7 +702,7 @@ Beenden Sie sie, bevor Sie das Aufnahmegerät ändern.</translation>
         <translation>Worklist</translation>
     </message>
     <message>
-        <source>Choose the patient of the next recording from today&apos;s worklist</source>
+        <source>Choose the patient of the next recording from today's worklist</source>
         <translation>Den Patienten der nächsten Aufnahme aus der heutigen Worklist wählen</translation>
     </message>
     <message>
@@ -702,7 +710,7 @@ Beenden Sie sie, bevor Sie das Aufnahmegerät ändern.</translation>
         <translation>Patienten-ID</translation>
     </message>
     <message>
-        <source>The patient&apos;s ID in the hospital, for the archive. Filled in by the worklist; type it for a patient who is not on the worklist.</source>
+        <source>The patient's ID in the hospital, for the archive. Filled in by the worklist; type it for a patient who is not on the worklist.</source>
         <translation>Die ID des Patienten im Krankenhaus, für das Archiv. Wird von der Worklist eingetragen; tippen Sie sie für einen Patienten ein, der nicht auf der Worklist steht.</translation>
     </message>
     <message>
@@ -722,7 +730,7 @@ Beenden Sie sie, bevor Sie das Aufnahmegerät ändern.</translation>
         <translation>Schnappschüsse</translation>
     </message>
     <message>
-        <source>Its patient is not known to the archive&apos;s settings.</source>
+        <source>Its patient is not known to the archive's settings.</source>
         <translation>Sein Patient ist den Archiveinstellungen nicht bekannt.</translation>
     </message>
     <message>
@@ -758,7 +766,7 @@ Beenden Sie sie, bevor Sie das Aufnahmegerät ändern.</translation>
         <translation>Senden abbrechen</translation>
     </message>
     <message>
-        <source>Take the selected file out of the archive&apos;s queue; it stays on this computer</source>
+        <source>Take the selected file out of the archive's queue; it stays on this computer</source>
         <translation>Die gewählte Datei aus der Warteschlange des Archivs nehmen; sie bleibt auf diesem Computer</translation>
     </message>
     <message>
@@ -794,7 +802,7 @@ Beenden Sie sie, bevor Sie das Aufnahmegerät ändern.</translation>
         <translation>%1 wird noch aufgenommen. Es kann gesendet werden, sobald seine Aufnahme beendet ist.</translation>
     </message>
     <message>
-        <source>%1 was recorded without the archive&apos;s case information.
+        <source>%1 was recorded without the archive's case information.
 
 %2
 
@@ -806,11 +814,11 @@ Send it for this patient?</source>
 Für diesen Patienten senden?</translation>
     </message>
     <message>
-        <source>%1 was not taken with this program&apos;s archive settings, so its patient is not known. It is not sent.</source>
+        <source>%1 was not taken with this program's archive settings, so its patient is not known. It is not sent.</source>
         <translation>%1 wurde nicht mit den Archiveinstellungen dieses Programms aufgenommen, daher ist sein Patient nicht bekannt. Es wird nicht gesendet.</translation>
     </message>
     <message>
-        <source>%1 has no patient ID, so the archive could not tell its patient from others. It stays here, marked &quot;needs a patient ID&quot;: edit its information, enter the patient&apos;s ID and press Send.</source>
+        <source>%1 has no patient ID, so the archive could not tell its patient from others. It stays here, marked "needs a patient ID": edit its information, enter the patient's ID and press Send.</source>
         <translation>%1 hat keine Patienten-ID, daher könnte das Archiv seinen Patienten nicht von anderen unterscheiden. Es bleibt hier, markiert mit „braucht eine Patienten-ID“: bearbeiten Sie seine Informationen, geben Sie die ID des Patienten ein und drücken Sie „Senden“.</translation>
     </message>
     <message>
@@ -978,7 +986,7 @@ Für diesen Patienten senden?</translation>
         <translation>Fußschalter</translation>
     </message>
     <message>
-        <source>Learn the keys of the foot switch&apos;s pedals</source>
+        <source>Learn the keys of the foot switch's pedals</source>
         <translation>Die Tasten der Pedale des Fußschalters lernen</translation>
     </message>
     <message>
@@ -1026,7 +1034,7 @@ Für diesen Patienten senden?</translation>
         <translation>Protokollordner</translation>
     </message>
     <message>
-        <source>Open the folder of the program&apos;s log</source>
+        <source>Open the folder of the program's log</source>
         <translation>Den Ordner des Programmprotokolls öffnen</translation>
     </message>
     <message>
@@ -1102,7 +1110,7 @@ Für diesen Patienten senden?</translation>
         <translation>Bitte Dateiinformationen eingeben</translation>
     </message>
     <message>
-        <source>The file name contains &quot;%1&quot;, so the movie is recorded into the folder %2, not into the Movie folder, and the storage browser does not show it.</source>
+        <source>The file name contains "%1", so the movie is recorded into the folder %2, not into the Movie folder, and the storage browser does not show it.</source>
         <translation>Der Dateiname enthält „%1“, daher wird der Film in den Ordner %2 aufgenommen, nicht in den Filmordner, und der Speicherbrowser zeigt ihn nicht.</translation>
     </message>
     <message>
@@ -1114,7 +1122,7 @@ Für diesen Patienten senden?</translation>
         <translation>Fortsetzen</translation>
     </message>
     <message>
-        <source>The recording %1 was stopped before the camera&apos;s first picture reached it. It held no picture and no player could open it, so it has been removed with its information file.</source>
+        <source>The recording %1 was stopped before the camera's first picture reached it. It held no picture and no player could open it, so it has been removed with its information file.</source>
         <translation>Die Aufnahme %1 wurde beendet, bevor das erste Bild der Kamera sie erreichte. Sie enthielt kein Bild und kein Player konnte sie öffnen, daher wurde sie mit ihrer Informationsdatei entfernt.</translation>
     </message>
     <message>
@@ -1219,6 +1227,106 @@ Their information files stay beside where they were and say so.</source>
 
 Ihre Informationsdateien bleiben, wo die Filme waren, und sagen es.</translation>
     </message>
+    <message>
+        <source>Snapshot</source>
+        <translation>Schnappschuss</translation>
+    </message>
+    <message>
+        <source>Takes a snapshot of the live picture (F7)</source>
+        <translation>Macht einen Schnappschuss vom Livebild (F7)</translation>
+    </message>
+    <message>
+        <source>Record</source>
+        <translation>Aufnahme</translation>
+    </message>
+    <message>
+        <source>Starts the recording (F5); pressed again, stops it (F4). While paused, it resumes.</source>
+        <translation>Startet die Aufnahme (F5); erneut gedrückt, beendet sie sie (F4). Während einer Pause setzt sie sie fort.</translation>
+    </message>
+    <message>
+        <source>Mute microphone</source>
+        <translation>Mikrofon stumm</translation>
+    </message>
+    <message>
+        <source>Pressed: the microphone is muted, and its sound is not recorded</source>
+        <translation>Gedrückt: das Mikrofon ist stumm, sein Ton wird nicht aufgenommen</translation>
+    </message>
+    <message>
+        <source>Edit information</source>
+        <translation>Informationen bearbeiten</translation>
+    </message>
+    <message>
+        <source>Lets the selected movie's information be changed; pressed again, saves it</source>
+        <translation>Lässt die Informationen des gewählten Films ändern; erneut gedrückt, speichert sie</translation>
+    </message>
+    <message>
+        <source>Discard changes</source>
+        <translation>Änderungen verwerfen</translation>
+    </message>
+    <message>
+        <source>Puts the information back as it was saved</source>
+        <translation>Stellt die Informationen wieder her, wie sie gespeichert waren</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Löschen</translation>
+    </message>
+    <message>
+        <source>Deletes the selected movie or snapshot, after asking</source>
+        <translation>Löscht den gewählten Film oder Schnappschuss nach einer Rückfrage</translation>
+    </message>
+    <message>
+        <source>Choose storage folder</source>
+        <translation>Speicherordner wählen</translation>
+    </message>
+    <message>
+        <source>Chooses the folder that recordings and snapshots go into</source>
+        <translation>Wählt den Ordner, in den Aufnahmen und Schnappschüsse kommen</translation>
+    </message>
+    <message>
+        <source>The camera's picture size</source>
+        <translation>Die Bildgröße der Kamera</translation>
+    </message>
+    <message>
+        <source>How the live picture is turned on the screen</source>
+        <translation>Wie das Livebild auf dem Bildschirm gedreht wird</translation>
+    </message>
+    <message>
+        <source>Back to the live picture (F1)</source>
+        <translation>Zurück zum Livebild (F1)</translation>
+    </message>
+    <message>
+        <source>Recording time</source>
+        <translation>Aufnahmezeit</translation>
+    </message>
+    <message>
+        <source>Microphone volume</source>
+        <translation>Mikrofonlautstärke</translation>
+    </message>
+    <message>
+        <source>Storage folder</source>
+        <translation>Speicherordner</translation>
+    </message>
+    <message>
+        <source>Recorded movies and snapshots</source>
+        <translation>Aufgenommene Filme und Schnappschüsse</translation>
+    </message>
+    <message>
+        <source>Return opens the selected file; Delete deletes it, after asking</source>
+        <translation>Eingabe öffnet die gewählte Datei; Entf löscht sie nach einer Rückfrage</translation>
+    </message>
+    <message>
+        <source>Live picture</source>
+        <translation>Livebild</translation>
+    </message>
+    <message>
+        <source>Auto: %1</source>
+        <translation>Auto: %1</translation>
+    </message>
+    <message>
+        <source>Menu</source>
+        <translation>Menü</translation>
+    </message>
 </context>
 <context>
     <name>Mp4Summary</name>
@@ -1236,6 +1344,18 @@ Ihre Informationsdateien bleiben, wo die Filme waren, und sagen es.</translation
     <message>
         <source>Error: </source>
         <translation>Fehler: </translation>
+    </message>
+    <message>
+        <source>Play</source>
+        <translation>Abspielen</translation>
+    </message>
+    <message>
+        <source>Position in the movie</source>
+        <translation>Position im Film</translation>
+    </message>
+    <message>
+        <source>Pause</source>
+        <translation>Pause</translation>
     </message>
 </context>
 <context>
@@ -1352,7 +1472,7 @@ Ihre Informationsdateien bleiben, wo die Filme waren, und sagen es.</translation
         <translation>%1 konnte nicht in %2 geschrieben werden: %3. Nichts davon blieb dort.</translation>
     </message>
     <message>
-        <source>%1 was not exported: its copy still held &quot;%2&quot;, which names the case. Nothing of it was left in %3.</source>
+        <source>%1 was not exported: its copy still held "%2", which names the case. Nothing of it was left in %3.</source>
         <translation>%1 wurde nicht exportiert: seine Kopie enthielt noch „%2“, was den Fall benennt. Nichts davon blieb in %3.</translation>
     </message>
     <message>
@@ -1498,7 +1618,7 @@ Ihre Informationsdateien bleiben, wo die Filme waren, und sagen es.</translation
         <translation>Für %1 ist heute nichts geplant%2.</translation>
     </message>
     <message>
-        <source> for a patient named &quot;%1…&quot;</source>
+        <source> for a patient named "%1…"</source>
         <translation> für einen Patienten namens „%1…“</translation>
     </message>
     <message>
@@ -1508,6 +1628,14 @@ Ihre Informationsdateien bleiben, wo die Filme waren, und sagen es.</translation
     <message>
         <source>%1 procedures are scheduled today. Choose one for the next recording.</source>
         <translation>Heute sind %1 Untersuchungen geplant. Wählen Sie eine für die nächste Aufnahme.</translation>
+    </message>
+    <message>
+        <source>Patient name begins with</source>
+        <translation>Name des Patienten beginnt mit</translation>
+    </message>
+    <message>
+        <source>Procedures scheduled today</source>
+        <translation>Heute geplante Untersuchungen</translation>
     </message>
 </context>
 </TS>

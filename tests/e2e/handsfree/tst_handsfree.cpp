@@ -5,6 +5,12 @@
 #include <unistd.h>
 
 #include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QListView>
+#include <QSlider>
+#include <QStackedWidget>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMediaDevices>
@@ -20,7 +26,9 @@
 #include "mainwindow/mainwindow.h"
 #include "movieprobe.h"
 #include "orvixtest.h"
+#include "storage/orvixstoragemodel.h"
 #include "widgets/footswitchdialog.h"
+#include "widgets/orvixmediaplayerwidget.h"
 
 namespace {
 // A link as sysfs has them: relative to where it is.
@@ -80,6 +88,62 @@ QByteArray keyEvent(quint16 code, qint32 value)
 bool typeKey(const QString &key)
 {
     return QProcess::execute(QStringLiteral("xdotool"), { QStringLiteral("key"), QStringLiteral("--clearmodifiers"), key }) == 0;
+}
+
+// The window as a screen reader finds it: AT-SPI's tree of this process.
+QJsonArray accessibleTree()
+{
+    QProcess walk;
+    walk.start(QStringLiteral("/usr/bin/python3"), { QStringLiteral(ORVIX_ATSPI_WALK), QString::number(getpid()) });
+    // The window answers the walk's questions: its loop must run meanwhile.
+    if (!QTest::qWaitFor([&] { return walk.state() == QProcess::NotRunning; }, 60000))
+        walk.kill();
+    const QJsonDocument tree = QJsonDocument::fromJson(walk.readAllStandardOutput());
+    if (!tree.isArray())
+        qWarning() << "the walk said" << tree.toJson() << walk.readAllStandardError();
+    return tree.array();
+}
+
+// Controls a screen reader's user can reach and must be told the name of.
+QStringList unnamedControls(const QJsonArray &tree, int *controls)
+{
+    static const QStringList roles { "push button", "toggle button", "text", "list", "slider", "combo box",
+                                     "check box", "spin button", "table", "menu bar" };
+    QStringList unnamed;
+    *controls = 0;
+    for (const QJsonValue &value : tree) {
+        const QJsonObject object = value.toObject();
+        if (!object.value(QLatin1String("showing")).toBool() || !roles.contains(object.value(QLatin1String("role")).toString()))
+            continue;
+        ++*controls;
+        if (object.value(QLatin1String("name")).toString().trimmed().isEmpty())
+            unnamed.append(object.value(QLatin1String("role")).toString() + QLatin1Char(' ')
+                           + object.value(QLatin1String("path")).toString());
+    }
+    return unnamed;
+}
+
+QJsonObject accessibleNamed(const QJsonArray &tree, const QString &name)
+{
+    for (const QJsonValue &value : tree) {
+        if (value.toObject().value(QLatin1String("name")).toString() == name)
+            return value.toObject();
+    }
+    return {};
+}
+
+// Tab until the widget has the focus; the names passed on the way.
+QStringList tabTo(QWidget *target, int most = 40)
+{
+    QStringList passed;
+    for (int press = 0; press < most && QApplication::focusWidget() != target; ++press) {
+        if (!typeKey(QStringLiteral("Tab")))
+            break;
+        QTest::qWait(60);
+        if (QWidget *focus = QApplication::focusWidget())
+            passed.append(focus->objectName());
+    }
+    return passed;
 }
 
 QMediaRecorder::RecorderState recorderState(MainWindow &window)
@@ -258,6 +322,105 @@ private slots:
         QVERIFY(button.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
         QVERIFY(button.write(keyEvent(212, 1) + keyEvent(212, 0)) > 0);
         QTRY_COMPARE_WITH_TIMEOUT(snapshots(), before + 3, 5000);
+    }
+
+    // Without a mouse: a screen reader finds a name for every control, and
+    // a recording, a snapshot and playing it back are done with keys alone,
+    // typed through the X server.
+    void keyboardAndScreenReader()
+    {
+        MainWindow window;
+        window.resize(1280, 720);
+        window.show();
+        window.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        QTRY_VERIFY_WITH_TIMEOUT(window.isCameraLive(), 10000);
+
+        int controls = 0;
+        QJsonArray tree = accessibleTree();
+        QVERIFY2(!tree.isEmpty(), "the window is not on the accessibility bus");
+        QStringList unnamed = unnamedControls(tree, &controls);
+        QVERIFY2(controls >= 15, qPrintable(QString::number(controls)));
+        qInfo("%d controls showing, %d objects in all", controls, int(tree.size()));
+        QVERIFY2(unnamed.isEmpty(), qPrintable(unnamed.join(QStringLiteral(", "))));
+        // A button whose picture is its only label also says what it does.
+        for (const char *name : { "Snapshot", "Record", "Mute microphone", "Delete", "Choose storage folder" }) {
+            const QJsonObject button = accessibleNamed(tree, shown("MainWindow", name));
+            QVERIFY2(!button.isEmpty(), name);
+            QVERIFY2(!button.value(QLatin1String("description")).toString().isEmpty(), name);
+        }
+
+        // Tab goes through the control bar, left to right, to the fields.
+        auto *nameEdit = window.findChild<QLineEdit *>(QStringLiteral("InformationFileNameEdit"));
+        window.findChild<QWidget *>(QStringLiteral("ResolutionSetupButton"))->setFocus();
+        const QStringList passed = tabTo(nameEdit);
+        QCOMPARE(QApplication::focusWidget(), nameEdit);
+        const QStringList inOrder { "RotationSetupButton", "ImageCaptureButton", "VideoCaptureButton", "VolumeControlSlider",
+                                    "VolumeLevelButton", "InformationDateEdit", "InformationFileNameEdit" };
+        QStringList seen;
+        for (const QString &name : passed) {
+            if (inOrder.contains(name))
+                seen.append(name);
+        }
+        QCOMPARE(seen, inOrder);
+
+        QProcess::execute(QStringLiteral("xdotool"), { QStringLiteral("type"), QStringLiteral("keys") });
+        QTRY_COMPARE(nameEdit->text(), QStringLiteral("keys"));
+        const auto files = [&](const QString &folder, const QString &pattern) {
+            return QDir(root + folder).entryList({ pattern }, QDir::Files);
+        };
+        const int snapshotsBefore = files(QStringLiteral("Image"), QStringLiteral("*.jpg")).size();
+        QVERIFY(typeKey(QStringLiteral("F5")));
+        QTRY_COMPARE_WITH_TIMEOUT(recorderState(window), QMediaRecorder::RecordingState, 5000);
+        QTest::qWait(1500);
+        QVERIFY(typeKey(QStringLiteral("F7")));
+        QTRY_COMPARE_WITH_TIMEOUT(files(QStringLiteral("Image"), QStringLiteral("*.jpg")).size(), snapshotsBefore + 1, 5000);
+        QTest::qWait(1500);
+        QVERIFY(typeKey(QStringLiteral("F4")));
+        QTRY_COMPARE_WITH_TIMEOUT(recorderState(window), QMediaRecorder::StoppedState, 10000);
+        QTRY_COMPARE_WITH_TIMEOUT(files(QStringLiteral("Movie"), QStringLiteral("keys_*.mp4")).size(), 1, 5000);
+        const QString movieName = files(QStringLiteral("Movie"), QStringLiteral("keys_*.mp4")).first();
+
+        // The volume from the keyboard, kept as dragging keeps it.
+        auto *volume = window.findChild<QSlider *>(QStringLiteral("VolumeControlSlider"));
+        volume->setFocus();
+        const int before = volume->value();
+        QVERIFY(typeKey(before > 50 ? QStringLiteral("Left") : QStringLiteral("Right")));
+        QTRY_VERIFY(volume->value() != before);
+        QCOMPARE(QSettings().value(SettingsKeys::micVolume).toInt(), volume->value());
+
+        // The list: reached by Tab, the movie chosen with the arrows and
+        // opened with Return, then played with Space.
+        auto *list = window.findChild<QListView *>(QStringLiteral("ThumbnailView"));
+        auto *model = qobject_cast<OrvixStorageModel *>(list->model());
+        QTRY_VERIFY_WITH_TIMEOUT(model->itemForName(movieName), 5000);
+        tabTo(list);
+        QCOMPARE(QApplication::focusWidget(), list);
+        QVERIFY(typeKey(QStringLiteral("Home")));
+        for (int press = 0; press < model->rowCount() && list->currentIndex().data().toString() != movieName; ++press) {
+            QVERIFY(typeKey(QStringLiteral("Down")));
+            QTest::qWait(50);
+        }
+        QCOMPARE(list->currentIndex().data().toString(), movieName);
+        QVERIFY(typeKey(QStringLiteral("Return")));
+        auto *stacked = window.findChild<QStackedWidget *>(QStringLiteral("StackedPlayersWidget"));
+        QTRY_COMPARE(stacked->currentIndex(), 3);
+        auto *player = window.findChild<OrvixMediaPlayerWidget *>();
+        QTRY_VERIFY_WITH_TIMEOUT(player->playButton()->isEnabled(), 5000);
+        tabTo(player->playButton());
+        QCOMPARE(QApplication::focusWidget(), player->playButton());
+        QVERIFY(typeKey(QStringLiteral("space")));
+        QTRY_COMPARE_WITH_TIMEOUT(player->player()->playbackState(), QMediaPlayer::PlayingState, 5000);
+
+        // The player's controls, now showing, are named too.
+        tree = accessibleTree();
+        unnamed = unnamedControls(tree, &controls);
+        QVERIFY2(unnamed.isEmpty(), qPrintable(unnamed.join(QStringLiteral(", "))));
+        QVERIFY(!accessibleNamed(tree, shown("OrvixMediaPlayerWidget", "Position in the movie")).isEmpty());
+        QVERIFY(!accessibleNamed(tree, shown("OrvixMediaPlayerWidget", "Pause")).isEmpty());
+        // Back to live, by its key.
+        QVERIFY(typeKey(QStringLiteral("F1")));
+        QTRY_COMPARE(stacked->currentIndex(), 1);
     }
 
 private:
