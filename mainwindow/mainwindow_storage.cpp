@@ -140,7 +140,8 @@ void MainWindow::showTeachingExport()
     };
     teachingExportDialog = new TeachingExportDialog(files, selected, privateTexts, this);
     teachingExportDialog->setAttribute(Qt::WA_DeleteOnClose);
-    teachingExportDialog->open();
+    // Not modal: a long export must not keep anyone from recording.
+    teachingExportDialog->show();
 }
 
 void MainWindow::updateStorageRoot()

@@ -545,7 +545,7 @@ Was aufgenommen wurde, ist in %1 erhalten.</translation>
     </message>
     <message>
         <source>Finish case</source>
-        <translation>Fall abschließen</translation>
+        <translation>Fall beenden</translation>
     </message>
     <message>
         <source>End this patient's case and clear the patient for the next one</source>

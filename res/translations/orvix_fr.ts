@@ -545,7 +545,7 @@ Ce qui a été enregistré est conservé dans %1.</translation>
     </message>
     <message>
         <source>Finish case</source>
-        <translation>Terminer le cas</translation>
+        <translation>Fin du cas</translation>
     </message>
     <message>
         <source>End this patient's case and clear the patient for the next one</source>
@@ -1079,7 +1079,7 @@ L'envoyer pour ce patient ?</translation>
     </message>
     <message>
         <source>File Preview</source>
-        <translation>Aperçu des fichiers</translation>
+        <translation>Fichiers</translation>
     </message>
     <message>
         <source>Export</source>

@@ -8,7 +8,8 @@
 // prints how old the live frames were when shown, first minutes against
 // last: a view that falls behind over hours shows there.
 // Usage: orvix_soak [minutes, default 30] [log file limit in kB, default the
-// program's]. The test run has a 2.5-minute one.
+// program's]. The test run has a minute and a half, its log rotated every
+// 16 kB.
 #include <algorithm>
 #include <atomic>
 #include <cstdio>

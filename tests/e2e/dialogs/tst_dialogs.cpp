@@ -21,6 +21,7 @@
 
 #include "app/settingskeys.h"
 #include "mainwindow/mainwindow.h"
+#include "layoutcheck.h"
 #include "orvixtest.h"
 #include "widgets/orvixvideowidget.h"
 
@@ -148,6 +149,9 @@ private slots:
         QCOMPARE(dialog->windowTitle(), QStringLiteral("Video Quality"));
         const QList<QSlider *> sliders = dialog->findChildren<QSlider *>();
         QCOMPARE(sliders.size(), 11);
+        // Its labels are whole ("White Balance" was cut to "White Balanc").
+        QStringList cut = cutTexts(dialog);
+        QVERIFY2(cut.isEmpty(), qPrintable(cut.join(QStringLiteral("; "))));
         QList<QPushButton *> autos;
         for (QPushButton *button : dialog->findChildren<QPushButton *>()) {
             if (button->text() == QLatin1String("Auto"))
@@ -277,6 +281,8 @@ private slots:
         QCOMPARE(dialog->minimumSize(), dialog->maximumSize());
         const QList<QComboBox *> combos = dialog->findChildren<QComboBox *>();
         QCOMPARE(combos.size(), 7);
+        QStringList cut = cutTexts(dialog);
+        QVERIFY2(cut.isEmpty(), qPrintable(cut.join(QStringLiteral("; "))));
         QCOMPARE(combos[2]->currentText(), QStringLiteral("LANME Audio Encoder"));
         QComboBox *microphones = combos[4];
         QCOMPARE(microphones->itemText(0), QStringLiteral("Orvix High Definition Mic II"));
@@ -305,6 +311,7 @@ private slots:
         trigger(window, QStringLiteral("Version"));
         QVERIFY(window.versionDialog()->isVisible());
         const QList<QLineEdit *> facts = window.versionDialog()->findChildren<QLineEdit *>();
+        QVERIFY2(cutTexts(window.versionDialog()).isEmpty(), qPrintable(cutTexts(window.versionDialog()).join(QStringLiteral("; "))));
         QCOMPARE(facts.size(), 3);
         QCOMPARE(facts[0]->text(), QStringLiteral("v2.0.1"));
         QCOMPARE(facts[2]->text(), QStringLiteral("linux"));

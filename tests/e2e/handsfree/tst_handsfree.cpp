@@ -24,6 +24,7 @@
 #include "app/settingskeys.h"
 #include "capture/camerabutton.h"
 #include "mainwindow/mainwindow.h"
+#include "layoutcheck.h"
 #include "movieprobe.h"
 #include "orvixtest.h"
 #include "storage/orvixstoragemodel.h"
@@ -336,6 +337,10 @@ private slots:
         QVERIFY(QTest::qWaitForWindowActive(&window));
         QTRY_VERIFY_WITH_TIMEOUT(window.isCameraLive(), 10000);
 
+        // In the language the test runs in, no text is cut off.
+        QStringList cut = cutTexts(&window);
+        QVERIFY2(cut.isEmpty(), qPrintable(cut.join(QStringLiteral("; "))));
+
         int controls = 0;
         QJsonArray tree = accessibleTree();
         QVERIFY2(!tree.isEmpty(), "the window is not on the accessibility bus");
@@ -363,6 +368,13 @@ private slots:
                 seen.append(name);
         }
         QCOMPARE(seen, inOrder);
+        // For the eye: where the focus is shows (kept for a person to look at).
+        window.findChild<QWidget *>(QStringLiteral("VideoCaptureButton"))->setFocus();
+        QTest::qWait(100);
+        const QString focusShot = QStringLiteral("/tmp/orvix-focus-record-button.png");
+        if (window.grab().save(focusShot))
+            qInfo("the focus on the record button: %s", qPrintable(focusShot));
+        nameEdit->setFocus();
 
         QProcess::execute(QStringLiteral("xdotool"), { QStringLiteral("type"), QStringLiteral("keys") });
         QTRY_COMPARE(nameEdit->text(), QStringLiteral("keys"));
@@ -412,6 +424,8 @@ private slots:
         QVERIFY(typeKey(QStringLiteral("space")));
         QTRY_COMPARE_WITH_TIMEOUT(player->player()->playbackState(), QMediaPlayer::PlayingState, 5000);
 
+        cut = cutTexts(&window);
+        QVERIFY2(cut.isEmpty(), qPrintable(cut.join(QStringLiteral("; "))));
         // The player's controls, now showing, are named too.
         tree = accessibleTree();
         unnamed = unnamedControls(tree, &controls);
