@@ -628,6 +628,25 @@ private slots:
                                     .arg(small, QFileInfo(movie).fileName()));
             QCOMPARE(filesIn(small), QStringList(QStringLiteral("filler")));
         }
+        // A stick pulled while the movie is written.
+        {
+            const QString pulled = devices.home() + QStringLiteral("/pulled-stick");
+            QVERIFY(QDir().mkpath(pulled));
+            TeachingExport::Exporter exporter;
+            QString error;
+            bool gone = false;
+            connect(&exporter, &TeachingExport::Exporter::progressed, this, [&] {
+                if (!gone)
+                    gone = QDir(pulled).removeRecursively();
+            }, Qt::DirectConnection);
+            connect(&exporter, &TeachingExport::Exporter::finished, this, [&](int, const QString &why) { error = why; });
+            exporter.run({ { movie, {} } }, pulled);
+            QVERIFY(gone);
+            QCOMPARE(error, shown("TeachingExport::Exporter", "The folder %1 went away while %2 was written (was the stick "
+                                                              "removed?). Nothing of it was left there.")
+                                    .arg(pulled, QFileInfo(movie).fileName()));
+            QVERIFY(!QFileInfo::exists(pulled));
+        }
         // A stick pulled before the export.
         unmount.dismiss();
         QProcess::execute(QStringLiteral("umount"), { small });
