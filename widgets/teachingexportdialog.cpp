@@ -16,6 +16,7 @@
 #include <QVBoxLayout>
 
 #include "app/settingskeys.h"
+#include "tasks/threadpriority.h"
 
 Q_LOGGING_CATEGORY(lcExport, "orvix.export")
 
@@ -108,7 +109,13 @@ TeachingExportDialog::TeachingExportDialog(const QStringList &files, const QStri
     });
     connect(exporter, &TeachingExport::Exporter::finished, this, &TeachingExportDialog::finish);
     thread.setObjectName(QStringLiteral("export"));
-    thread.start(QThread::LowPriority);
+    thread.start();
+    // Gigabytes read, searched and written must not hold up a recording on
+    // two cores: the export's thread goes behind it, for the CPU and the disk.
+    QMetaObject::invokeMethod(exporter, [] {
+        lowerCurrentThread();
+        lowerCurrentThreadDiskPriority();
+    }, Qt::QueuedConnection);
 }
 
 TeachingExportDialog::~TeachingExportDialog()
