@@ -5,6 +5,8 @@
 #include <QHash>
 #include <QtEndian>
 
+#include "storage/mp4box.h"
+
 namespace {
 
 struct Box
@@ -42,21 +44,11 @@ public:
         QList<Box> boxes;
         qint64 at = from;
         while (at + 8 <= to) {
-            const QByteArray head = readAt(at, 16);
-            if (head.size() < 8)
+            Mp4Box::Header header;
+            if (!Mp4Box::readHeader(readAt(at, 16), to - at, &header) || header.size > to - at)
                 break;
-            quint64 size = qFromBigEndian<quint32>(head.constData());
-            qint64 headSize = 8;
-            if (size == 1 && head.size() >= 16) {
-                size = qFromBigEndian<quint64>(head.constData() + 8);
-                headSize = 16;
-            } else if (size == 0) {
-                size = quint64(to - at);
-            }
-            if (size < quint64(headSize) || at + qint64(size) > to)
-                break;
-            boxes.append({ head.mid(4, 4), at + headSize, qint64(size) - headSize });
-            at += qint64(size);
+            boxes.append({ header.type, at + header.length, header.size - header.length });
+            at += header.size;
         }
         return boxes;
     }

@@ -7,6 +7,8 @@
 #include <QFile>
 #include <QtEndian>
 
+#include "storage/mp4box.h"
+
 namespace {
 struct Box
 {
@@ -20,23 +22,10 @@ bool readBox(QFile &file, qint64 at, qint64 end, Box *box)
 {
     if (at + 8 > end || !file.seek(at))
         return false;
-    const QByteArray header = file.read(8);
-    if (header.size() < 8)
+    Mp4Box::Header header;
+    if (!Mp4Box::readHeader(file.read(16), end - at, &header) || header.size > end - at)
         return false;
-    qint64 size = qFromBigEndian<quint32>(header.constData());
-    qint64 payload = at + 8;
-    if (size == 1) {
-        const QByteArray large = file.read(8);
-        if (large.size() < 8)
-            return false;
-        size = qint64(qFromBigEndian<quint64>(large.constData()));
-        payload += 8;
-    } else if (size == 0) {
-        size = end - at;
-    }
-    if (size < payload - at || at + size > end)
-        return false;
-    *box = { header.mid(4, 4), payload, at + size };
+    *box = { header.type, at + header.length, at + header.size };
     return true;
 }
 
