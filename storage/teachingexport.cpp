@@ -6,6 +6,7 @@
 #include <QRegularExpression>
 #include <QScopeGuard>
 #include <QStorageInfo>
+#include <QtEndian>
 
 #include <cerrno>
 #ifdef Q_OS_UNIX
@@ -14,6 +15,8 @@
 #ifdef Q_OS_WIN
 #include <io.h>
 #endif
+
+#include "storage/mp4box.h"
 
 namespace TeachingExport {
 
@@ -26,14 +29,6 @@ constexpr qint64 largestMovieHeader = 512 * 1024 * 1024;
 // movie, or in the tables of its header.
 constexpr qsizetype shortestInMedia = 6;
 constexpr qsizetype shortestInStructure = 4;
-
-quint64 bigEndian(const char *bytes, int count)
-{
-    quint64 value = 0;
-    for (int i = 0; i < count; ++i)
-        value = (value << 8) | quint8(bytes[i]);
-    return value;
-}
 
 bool printableType(const QByteArray &type)
 {
@@ -79,19 +74,15 @@ void blankTexts(QByteArray &bytes, qsizetype from, qsizetype to)
 {
     qsizetype at = from;
     while (at + 8 <= to) {
-        qsizetype size = qsizetype(bigEndian(bytes.constData() + at, 4));
-        qsizetype headerSize = 8;
-        if (size == 1 && at + 16 <= to) {
-            size = qsizetype(bigEndian(bytes.constData() + at + 8, 8));
-            headerSize = 16;
-        } else if (size == 0) {
-            size = to - at;
-        }
+        Mp4Box::Header header;
         // A damaged box ends the walk; the search for the case's texts
         // still looks at what follows.
-        if (size < headerSize || size > to - at)
+        if (!Mp4Box::readHeader(bytes.mid(at, qMin<qsizetype>(16, to - at)), to - at, &header)
+            || header.size > to - at)
             return;
-        const QByteArray type = bytes.mid(at + 4, 4);
+        const qsizetype size = header.size;
+        const qsizetype headerSize = header.length;
+        const QByteArray &type = header.type;
         if (textsInHeader(type))
             blank(bytes, at, headerSize, size);
         else if (type == "hdlr" && size > headerSize + 24)
@@ -183,22 +174,24 @@ void PrivateTextSearch::feed(const QByteArray &bytes, bool media)
 {
     if (needles.isEmpty() || !hit.isEmpty())
         return;
-    const QByteArray data = tail + bytes;
+    // A text may also stand across the seam of the last piece and this one;
+    // the pieces themselves are searched where they are, not copied.
+    const QByteArray seam = tail + bytes.left(longest - 1);
     for (qsizetype i = 0; i < needles.size(); ++i) {
         if (media && needles.at(i).size() < shortestInMedia)
             continue;
-        if (data.contains(needles.at(i))) {
+        if (bytes.contains(needles.at(i)) || seam.contains(needles.at(i))) {
             hit = names.at(i);
             return;
         }
     }
-    tail = data.right(longest - 1);
+    tail = bytes.size() >= longest - 1 ? bytes.right(longest - 1) : seam.right(longest - 1);
 }
 
 bool cleanMovie(QIODevice &in, const Sink &out, QString *error, const std::atomic<bool> *cancelled)
 {
     const qint64 end = in.size();
-    bool header = false;
+    bool movieHeaderSeen = false;
     const auto fail = [&](const QString &why) {
         if (error)
             *error = why;
@@ -223,22 +216,18 @@ bool cleanMovie(QIODevice &in, const Sink &out, QString *error, const std::atomi
         if (!in.seek(at))
             return fail(Exporter::tr("it could not be read"));
         const QByteArray head = in.read(16);
-        // Bytes after the last whole box header belong to no box.
-        if (head.size() < 8)
-            break;
-        qint64 size = qint64(bigEndian(head.constData(), 4));
-        int headerSize = 8;
-        if (size == 1) {
+        Mp4Box::Header header;
+        if (!Mp4Box::readHeader(head, end - at, &header)) {
+            // Bytes after the last whole box header belong to no box.
             if (head.size() < 16)
                 break;
-            size = qint64(bigEndian(head.constData() + 8, 8));
-            headerSize = 16;
-        } else if (size == 0) {
-            size = end - at;
-        }
-        const QByteArray type = head.mid(4, 4);
-        if (!printableType(type) || size < headerSize)
             return fail(Exporter::tr("it is not an MP4 or QuickTime movie, or it is damaged"));
+        }
+        if (!printableType(header.type))
+            return fail(Exporter::tr("it is not an MP4 or QuickTime movie, or it is damaged"));
+        const qint64 size = header.size;
+        const int headerSize = header.length;
+        const QByteArray &type = header.type;
         // A box cut short by an interrupted recording: what there is of it.
         const qint64 length = qMin(size, end - at);
         in.seek(at);
@@ -254,7 +243,7 @@ bool cleanMovie(QIODevice &in, const Sink &out, QString *error, const std::atomi
             blankTexts(box, headerSize, box.size());
             if (!out(box, false))
                 return fail(QString());
-            header = true;
+            movieHeaderSeen = true;
         } else if (keptAtTop(type)) {
             if (!copy(length, false))
                 return false;
@@ -270,7 +259,7 @@ bool cleanMovie(QIODevice &in, const Sink &out, QString *error, const std::atomi
         }
         at += length;
     }
-    if (!header)
+    if (!movieHeaderSeen)
         return fail(Exporter::tr("it holds no movie header: it does not play"));
     return true;
 }
@@ -306,7 +295,7 @@ bool cleanPicture(const QByteArray &in, const Sink &out, QString *error)
         }
         if (at + 4 > in.size())
             return fail(Exporter::tr("the picture is damaged"));
-        const qsizetype length = qsizetype(bigEndian(in.constData() + at + 2, 2));
+        const qsizetype length = qsizetype(qFromBigEndian<quint16>(in.constData() + at + 2));
         if (length < 2 || at + 2 + length > in.size())
             return fail(Exporter::tr("the picture is damaged"));
         if (keptSegment(marker, in.mid(at + 4, length - 2)) && !out(in.mid(at, 2 + length), false))
@@ -422,6 +411,7 @@ QString Exporter::exportOne(const Item &item, const QString &folder, const QStri
     PrivateTextSearch search(item.privateTexts);
     int writeError = 0;
     qint64 written = 0;
+    qint64 reported = -chunkBytes;
     const qint64 sourceSize = in.size();
     const Sink sink = [&](const QByteArray &bytes, bool media) {
         search.feed(bytes, media);
@@ -430,7 +420,12 @@ QString Exporter::exportOne(const Item &item, const QString &folder, const QStri
             return false;
         }
         written += bytes.size();
-        emit progressed(doneBefore + qMin(written, sourceSize), total, item.source);
+        // A recorded movie comes in boxes of a second each: the bar moves
+        // by chunks, not by thousands of signals.
+        if (written - reported >= chunkBytes) {
+            reported = written;
+            emit progressed(doneBefore + qMin(written, sourceSize), total, item.source);
+        }
         return true;
     };
     QString reason;
