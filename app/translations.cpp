@@ -9,13 +9,14 @@
 
 namespace Translations {
 
-QString install(QCoreApplication *application)
+void install(QCoreApplication *application)
 {
     const QLocale locale;
     auto *own = new QTranslator(application);
     if (!own->load(locale, QStringLiteral("orvix"), QStringLiteral("_"), QStringLiteral(":/i18n"))) {
         delete own;
-        return QString();
+        qCInfo(lcApp) << "texts in English, the language they are written in";
+        return;
     }
     QCoreApplication::installTranslator(own);
     // Qt's own texts in the same language: a German window with English
@@ -25,7 +26,7 @@ QString install(QCoreApplication *application)
         QCoreApplication::installTranslator(qt);
     else
         qCWarning(lcApp) << "Qt's own translations for" << own->language() << "are missing: standard buttons stay English";
-    return own->language().section(QLatin1Char('_'), 0, 0);
+    qCInfo(lcApp) << "texts in" << own->language();
 }
 
 } // namespace Translations

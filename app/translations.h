@@ -3,14 +3,11 @@
 // English needs nothing: it is the language the texts are written in.
 #pragma once
 
-#include <QString>
-
 class QCoreApplication;
 
 namespace Translations {
 
-// Installs both for the system's language; returns the language taken
-// ("de", "fr"), empty when the texts stay English.
-QString install(QCoreApplication *application);
+// Installs both for the system's language, and logs which it took.
+void install(QCoreApplication *application);
 
 } // namespace Translations

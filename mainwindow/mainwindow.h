@@ -481,6 +481,8 @@ private:
         CaseInformation information;
     } openCase;
     void addFinishCaseButton(QHBoxLayout *headerLayout, QWidget *header);
+    // The storage browser's current file; empty when none is.
+    QString selectedFilePath() const;
     // mainwindow_accessibility.cpp
     void setUpAccessibility();
     static QPushButton *headerButton(const QString &name, const QString &text, const QString &tip, QWidget *header);

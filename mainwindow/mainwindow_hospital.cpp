@@ -461,10 +461,7 @@ void MainWindow::updateArchiveButton()
 {
     if (!archiveSendButton)
         return;
-    const QModelIndex index = thumbnailView->currentIndex();
-    const QString file = index.isValid()
-            ? index.data(OrvixStorageModel::informationRole).value<OrvixMediaInformation>().fileInfo.absoluteFilePath()
-            : QString();
+    const QString file = selectedFilePath();
     switch (file.isEmpty() ? ArchiveQueue::State::NotSent : archiveQueue->state(file)) {
     case ArchiveQueue::State::Waiting:
     case ArchiveQueue::State::NeedsPatientId:
@@ -490,12 +487,11 @@ void MainWindow::sendSelectedToArchive()
                                     "Configuration > Hospital Systems."));
         return;
     }
-    const QModelIndex index = thumbnailView->currentIndex();
-    if (!index.isValid()) {
+    const QString file = selectedFilePath();
+    if (file.isEmpty()) {
         QMessageBox::information(this, tr("Archive"), tr("Select a movie or a snapshot in the list first."));
         return;
     }
-    const QString file = index.data(OrvixStorageModel::informationRole).value<OrvixMediaInformation>().fileInfo.absoluteFilePath();
     const QString name = QFileInfo(file).fileName();
     switch (archiveQueue->state(file)) {
     case ArchiveQueue::State::Waiting:
@@ -578,10 +574,7 @@ void MainWindow::showArchivedPatientId()
     // The ID a stored file goes to the archive with.
     if (!patientIdField || liveInformationShown)
         return;
-    const QModelIndex index = thumbnailView->currentIndex();
-    const QString file = index.isValid()
-            ? index.data(OrvixStorageModel::informationRole).value<OrvixMediaInformation>().fileInfo.absoluteFilePath()
-            : QString();
+    const QString file = selectedFilePath();
     ObjectContext context;
     if (file.isEmpty())
         patientIdField->clear();

@@ -58,15 +58,20 @@ void MainWindow::showStoredStorageRoot()
     setStorageBrowserRoot(location);
 }
 
+QString MainWindow::selectedFilePath() const
+{
+    const QModelIndex index = thumbnailView->currentIndex();
+    return index.isValid()
+            ? index.data(OrvixStorageModel::informationRole).value<OrvixMediaInformation>().fileInfo.absoluteFilePath()
+            : QString();
+}
+
 void MainWindow::removeSelectedFile()
 {
     stackedPlayers->setCurrentIndex(1);
-    const QModelIndex index = thumbnailView->currentIndex();
-    if (!index.isValid())
+    const QString path = selectedFilePath();
+    if (path.isEmpty())
         return;
-    const QFileInfo file = storageModel->itemFromIndex(index)->data(OrvixStorageModel::informationRole)
-                                   .value<OrvixMediaInformation>().fileInfo;
-    const QString path = file.absoluteFilePath();
 
     QMessageBox question(QMessageBox::NoIcon, QString(), tr("Do you want to delete\n") + path,
                          QMessageBox::Yes | QMessageBox::No);
@@ -111,13 +116,7 @@ void MainWindow::showTeachingExport()
     QStringList files;
     for (const auto &[time, path] : std::as_const(found))
         files.append(path);
-    QString selected;
-    const QModelIndex index = thumbnailView->currentIndex();
-    if (index.isValid())
-        selected = storageModel->itemFromIndex(index)
-                           ->data(OrvixStorageModel::informationRole)
-                           .value<OrvixMediaInformation>()
-                           .fileInfo.absoluteFilePath();
+    const QString selected = selectedFilePath();
 
     // What names the case, from both information files and from what the
     // archive's queue knows of the file, also for a snapshot.
