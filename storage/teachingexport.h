@@ -93,4 +93,3 @@ private:
 
 } // namespace TeachingExport
 
-Q_DECLARE_METATYPE(TeachingExport::Item)

@@ -24,7 +24,6 @@ TeachingExportDialog::TeachingExportDialog(const QStringList &files, const QStri
                                            PrivateTexts privateTexts, QWidget *parent)
     : QDialog(parent), privateTexts(std::move(privateTexts))
 {
-    qRegisterMetaType<QList<TeachingExport::Item>>();
     setObjectName(QStringLiteral("TeachingExportDialog"));
     setWindowTitle(tr("Export for Teaching"));
     auto *layout = new QVBoxLayout(this);
