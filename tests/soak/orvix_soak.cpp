@@ -40,6 +40,7 @@
 #include "app/memorytuning.h"
 #include "app/settingskeys.h"
 #include "eventloop.h"
+#include "logcheck.h"
 #include "mainwindow/mainwindow.h"
 #include "movieprobe.h"
 #include "storage/storagepaths.h"
@@ -380,7 +381,6 @@ int main(int argc, char *argv[])
     qint64 logBytes = 0, largestLog = 0;
     int logFiles = 0, brokenLines = 0;
     const QDir logDir(LogFile::folder());
-    static const QRegularExpression wholeLine(QStringLiteral(R"(^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3} [DIWCF] \[)"));
     for (const QFileInfo &file : logDir.entryInfoList({ QStringLiteral("orvix.log*") }, QDir::Files)) {
         ++logFiles;
         logBytes += file.size();
@@ -390,7 +390,7 @@ int main(int argc, char *argv[])
         const QByteArray all = text.readAll();
         // A message may span lines; each file still starts with a whole line
         // and ends with one.
-        if (!all.endsWith('\n') || !wholeLine.match(QString::fromUtf8(all.left(40))).hasMatch())
+        if (!all.endsWith('\n') || !LogCheck::wholeLine(QString::fromUtf8(all.left(all.indexOf('\n')))))
             ++brokenLines;
     }
     QFile newestLog(LogFile::path());

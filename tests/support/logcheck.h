@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QFile>
+#include <QRegularExpression>
 #include <QStringList>
 
 namespace LogCheck {
@@ -12,6 +13,14 @@ inline QStringList lines(const QString &path)
     if (!file.open(QIODevice::ReadOnly))
         return {};
     return QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+}
+
+// A line as the log writes it: time, level, [thread], category, message.
+inline bool wholeLine(const QString &line)
+{
+    static const QRegularExpression format(
+            QStringLiteral(R"(^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}\S* [DIWCF] \[[^\]]+\] [\w.]+: )"));
+    return format.match(line).hasMatch();
 }
 
 // Empty when a line holding each of `expected` follows the one before;

@@ -236,9 +236,8 @@ private slots:
             QVERIFY2(line.startsWith(QLatin1String("warning ")) || line.startsWith(QLatin1String("critical ")), qPrintable(line));
 
         const QStringList lines = LogCheck::lines(log);
-        const QRegularExpression format(QStringLiteral("^\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d\\.\\d{3}\\S* [DIWCF] \\[[^\\]]+\\] [\\w.]+: "));
         for (const QString &line : lines)
-            QVERIFY2(format.match(line).hasMatch(), qPrintable(line));
+            QVERIFY2(LogCheck::wholeLine(line), qPrintable(line));
         // The designed lines, in the order the program writes them.
         const QStringList expected { QStringLiteral("D [main] orvix.capture: discoverAvailableCameras:  \"Orvix Full HD Camera\""),
                                      QStringLiteral("D [main] orvix.app: QRect("),
